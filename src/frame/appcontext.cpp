@@ -1,0 +1,40 @@
+#include "frame/appcontext.h"
+
+#include "frame/inifile.h"
+#include "frame/language.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/version.h"
+#include "store/workspacetree.h"
+
+#include <QDate>
+
+namespace fenwork {
+
+AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
+    : m_paths(paths),
+      m_ini(std::make_unique<IniFile>(paths.settingsFile())),
+      m_lang(std::make_unique<Language>(m_paths)),
+      m_ui(dialogs),
+      m_tree(std::make_unique<WorkspaceTree>())
+{
+    m_lang->setName(m_ini->get(keys::Lang));
+}
+
+AppContext::~AppContext() = default;
+
+QString AppContext::text(const QString &section, const QString &key) const
+{
+    return m_lang->text(section, key);
+}
+
+void AppContext::buildStartupTexts()
+{
+    newTuneText = QStringLiteral("X:0") + CRLF + QStringLiteral("T:(")
+                  + text(QStringLiteral("TTText"), QStringLiteral("<titleDef>")) + QStringLiteral(")") + CRLF
+                  + QStringLiteral("M:4/4") + CRLF + QStringLiteral("L:1/8") + CRLF + QStringLiteral("K:C") + CRLF;
+    creatorLine = QStringLiteral("%%abc-creator Fennelworks ") + versionText() + QStringLiteral(" [")
+                  + QDate::currentDate().toString(Qt::ISODate) + QStringLiteral("]");
+}
+
+} // namespace fenwork

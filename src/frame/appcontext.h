@@ -1,0 +1,54 @@
+#pragma once
+// The process-wide values of one run: paths, settings, language, the dialogs seam and the
+// workspace tree, plus the texts built once at start-up. The program makes one at start; each test
+// makes its own.
+#include "frame/paths.h"
+
+#include <QString>
+#include <memory>
+
+namespace fenwork {
+
+class IniFile;
+class Language;
+class UserDialogs;
+class WorkspaceTree;
+
+class AppContext
+{
+public:
+    // Uses `paths`; settings at paths.settingsFile(); the language named in the settings.
+    AppContext(const Paths &paths, UserDialogs *dialogs);
+    ~AppContext();
+
+    const Paths &paths() const { return m_paths; }
+    IniFile &ini() const { return *m_ini; }
+    Language &lang() const { return *m_lang; }
+    UserDialogs &ui() const { return *m_ui; }
+    void setDialogs(UserDialogs *dialogs) { m_ui = dialogs; }
+    WorkspaceTree &tree() const { return *m_tree; }
+
+    // Shorthand for lang().text(section, key).
+    QString text(const QString &section, const QString &key) const;
+
+    // "X:0", "T:(<titleDef>)", "M:4/4", "L:1/8", "K:C", each with CR LF.
+    QString newTuneText;
+    // "%%abc-creator Fennelworks <version> [<date>]"
+    QString creatorLine;
+    int tempoDef = 100;
+    // Set by the node selection: what most commands work on.
+    QString currentTuneKey;
+    QString currentFileKey;
+
+    // Builds newTuneText and creatorLine from the current language and date.
+    void buildStartupTexts();
+
+private:
+    Paths m_paths;
+    std::unique_ptr<IniFile> m_ini;
+    std::unique_ptr<Language> m_lang;
+    UserDialogs *m_ui;
+    std::unique_ptr<WorkspaceTree> m_tree;
+};
+
+} // namespace fenwork

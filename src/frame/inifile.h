@@ -1,0 +1,41 @@
+#pragma once
+#include <QString>
+
+namespace fenwork {
+
+struct SettingKey;
+
+// The settings store on the classic private-profile format: "[Section]" and "key=value" lines,
+// sections and keys matched without regard to case. Every read and write goes to the file: no
+// cache, so a value written by one dialog is seen at once by every other reader. Never throws;
+// a failed write is simply lost.
+class IniFile
+{
+public:
+    static constexpr int kMaxValueLength = 254;
+
+    explicit IniFile(const QString &path = {});
+    QString path() const { return m_path; }
+
+    // The stored value cut to 254 characters; `def` when the key is missing; empty when the key
+    // is stored empty.
+    QString getValue(const QString &section, const QString &key, const QString &def) const;
+    // Writes at once, creating file and section as needed. Returns "1" on success, "0" on failure.
+    QString writeValue(const QString &section, const QString &key, const QString &value) const;
+
+    // Typed access through the key table of settings.h.
+    QString get(const SettingKey &key) const;
+    bool getBool(const SettingKey &key) const; // "1" (or any non-zero number) is true
+    int getInt(const SettingKey &key) const;   // non-numbers read as the default's number
+    void set(const SettingKey &key, const QString &value) const;
+    void setBool(const SettingKey &key, bool value) const;
+
+    // Reads one value from any file of this format (language files use the same lookup).
+    static QString readValue(const QString &path, const QString &section, const QString &key,
+                             const QString &def);
+
+private:
+    QString m_path;
+};
+
+} // namespace fenwork

@@ -1,0 +1,30 @@
+#pragma once
+#include <QString>
+#include <QStringList>
+
+namespace fenwork {
+
+class Paths;
+
+// Every interface text comes from lang/<name>.txt in the program folder, found by section and
+// key (keys keep their angle brackets: "<saveModif>"). Sections and keys are matched without
+// regard to case. A missing file or key gives an empty text; there is no fallback language.
+class Language
+{
+public:
+    explicit Language(const Paths &paths, const QString &name = {});
+
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+    QString filePath() const;        // <program>/lang/<name>.txt
+    QStringList available() const;   // names of lang/*.txt, without ".txt", sorted
+
+    // The text of a key, at most 254 characters; `def` when missing (callers pass empty).
+    QString text(const QString &section, const QString &key, const QString &def = {}) const;
+
+private:
+    const Paths &m_paths;
+    QString m_name;
+};
+
+} // namespace fenwork

@@ -1,0 +1,34 @@
+#include "strutil.h"
+
+namespace fenwork {
+
+QString trimLeftBlanks(const QString &text)
+{
+    qsizetype start = 0;
+    while (start < text.size() && text.at(start) == u' ')
+        ++start;
+    return start == 0 ? text : text.mid(start);
+}
+
+QString trimRightBlanks(const QString &text)
+{
+    qsizetype end = text.size();
+    while (end > 0 && text.at(end - 1) == u' ')
+        --end;
+    return end == text.size() ? text : text.left(end);
+}
+
+QString trimBlanks(const QString &text)
+{
+    qsizetype start = 0;
+    qsizetype end = text.size();
+    while (start < end && text.at(start) == u' ')
+        ++start;
+    while (end > start && text.at(end - 1) == u' ')
+        --end;
+    if (start == 0 && end == text.size())
+        return text;
+    return text.mid(start, end - start);
+}
+
+} // namespace fenwork
