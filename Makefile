@@ -1,7 +1,7 @@
 # The two commands of the README, and the benchmarks.
 BUILD ?= build
 JOBS ?= $(shell nproc)
-SAMPLE = data/sample.abc
+SAMPLE = $(BUILD)/sample.abc
 
 .PHONY: all deps build run test test-asan bench fuzz clean
 
@@ -16,7 +16,9 @@ $(BUILD)/CMakeCache.txt:
 build: deps $(BUILD)/CMakeCache.txt
 	cmake --build $(BUILD) -j $(JOBS)
 
+# The program works on a copy of the sample, so that the shipped file stays as it is.
 run: build
+	@test -f $(SAMPLE) || cp data/sample.abc $(SAMPLE)
 	$(BUILD)/fenwork $(SAMPLE)
 
 test: build

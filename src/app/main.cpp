@@ -1,1 +1,12 @@
-int main() { return 0; }
+#include "frame/widgets/startup.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Fennelworks"));
+    QApplication::setOrganizationName(QStringLiteral("Fennelworks"));
+    QApplication::setDesktopFileName(QStringLiteral("fennelworks"));
+    return fenwork::Main(QCoreApplication::arguments());
+}

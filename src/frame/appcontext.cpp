@@ -1,10 +1,13 @@
 #include "frame/appcontext.h"
 
+#include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/version.h"
+#include "store/recentfiles.h"
+#include "store/tunestore.h"
 #include "store/workspacetree.h"
 
 #include <QDate>
@@ -16,8 +19,12 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_ini(std::make_unique<IniFile>(paths.settingsFile())),
       m_lang(std::make_unique<Language>(m_paths)),
       m_ui(dialogs),
-      m_tree(std::make_unique<WorkspaceTree>())
+      m_tree(std::make_unique<WorkspaceTree>()),
+      m_commands(std::make_unique<CommandState>()),
+      m_recent(std::make_unique<RecentFiles>(paths.cacheFolder())),
+      m_store(std::make_unique<TuneStore>(*this))
 {
+    m_store->recent = m_recent.get();
     m_lang->setName(m_ini->get(keys::Lang));
 }
 

@@ -9,7 +9,10 @@
 
 namespace fenwork {
 
+class CommandState;
 class IniFile;
+class RecentFiles;
+class TuneStore;
 class Language;
 class UserDialogs;
 class WorkspaceTree;
@@ -27,6 +30,9 @@ public:
     UserDialogs &ui() const { return *m_ui; }
     void setDialogs(UserDialogs *dialogs) { m_ui = dialogs; }
     WorkspaceTree &tree() const { return *m_tree; }
+    CommandState &commands() const { return *m_commands; }
+    TuneStore &store() const { return *m_store; }
+    RecentFiles &recent() const { return *m_recent; }
 
     // Shorthand for lang().text(section, key).
     QString text(const QString &section, const QString &key) const;
@@ -49,6 +55,9 @@ private:
     std::unique_ptr<Language> m_lang;
     UserDialogs *m_ui;
     std::unique_ptr<WorkspaceTree> m_tree;
+    std::unique_ptr<CommandState> m_commands;
+    std::unique_ptr<RecentFiles> m_recent;
+    std::unique_ptr<TuneStore> m_store;
 };
 
 } // namespace fenwork

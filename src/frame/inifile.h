@@ -1,4 +1,5 @@
 #pragma once
+#include <QHash>
 #include <QString>
 
 namespace fenwork {
@@ -33,6 +34,12 @@ public:
     // Reads one value from any file of this format (language files use the same lookup).
     static QString readValue(const QString &path, const QString &section, const QString &key,
                              const QString &def);
+
+    // Every value of a file's content, cut and trimmed as getValue gives it, keyed by
+    // valueKey(section, key); the first of duplicate sections and keys wins, as on reading. For
+    // files that are looked up often and never written, such as the language files.
+    static QHash<QString, QString> parseValues(const QByteArray &bytes);
+    static QString valueKey(const QString &section, const QString &key);
 
 private:
     QString m_path;

@@ -1,6 +1,7 @@
 #pragma once
 #include <QString>
 #include <QStringList>
+#include <memory>
 
 namespace fenwork {
 
@@ -25,6 +26,9 @@ public:
 private:
     const Paths &m_paths;
     QString m_name;
+    // The parsed file, checked against the file on disk at every lookup.
+    struct Parsed;
+    mutable std::shared_ptr<Parsed> m_parsed;
 };
 
 } // namespace fenwork

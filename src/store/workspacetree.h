@@ -72,6 +72,9 @@ public:
     void beginBuild(Node *node);
     void endBuild(Node *node);
     bool isBuilding(const Node *node) const { return m_building.contains(node); }
+    // The children of `node` that the observer knows of: while `node` is being built, only those
+    // it had before.
+    int visibleChildCount(const Node *node) const { return m_building.value(node, node->childCount()); }
     // Whether `node` is hidden from the observer because an ancestor is under construction.
     bool isUnderConstruction(const Node *node) const;
 

@@ -1,0 +1,39 @@
+#pragma once
+// A fresh user root in a temporary folder, the shipped program folder, scripted dialogs and an
+// application context over them: what most core tests start from.
+#include "frame/appcontext.h"
+#include "frame/scripteddialogs.h"
+
+#include <QString>
+#include <QTemporaryDir>
+#include <memory>
+
+namespace fenwork::test {
+
+class TestEnv
+{
+public:
+    // `language` empty leaves the language unset.
+    explicit TestEnv(const QString &language = QStringLiteral("English"));
+    ~TestEnv();
+
+    AppContext &app() { return *m_app; }
+    ScriptedDialogs &ui() { return m_ui; }
+    QString root() const { return m_root.path(); }
+    // A path under the temporary folder (not under the user root's "user" folder).
+    QString path(const QString &name) const { return m_root.filePath(QStringLiteral("files/") + name); }
+    // Writes bytes to path(name), making the folder; returns the path.
+    QString writeFile(const QString &name, const QByteArray &bytes) const;
+
+private:
+    QTemporaryDir m_root;
+    ScriptedDialogs m_ui;
+    std::unique_ptr<AppContext> m_app;
+};
+
+QString corpusDir();      // ../shared/corpus, empty when absent
+QString testDataDir();    // tests/
+QString readAll(const QString &path);
+QByteArray readBytes(const QString &path);
+
+} // namespace fenwork::test

@@ -1,0 +1,38 @@
+#pragma once
+#include "frame/userdialogs.h"
+
+namespace fenwork {
+
+// The dialogs seam for the batch companion: nobody is there to answer, so messages go to
+// standard error, every question is answered No (the answer that leaves things as they are),
+// input and file dialogs give nothing, and the progress display is silent.
+class CliDialogs : public UserDialogs
+{
+public:
+    void message(const QString &text, Icon icon = Icon::Warning, const QString &title = {}) override;
+    Answer question(const QString &text, bool withCancel = false, const QString &title = {}) override;
+    QString inputText(const QString &prompt, const QString &title, const QString &defaultText) override;
+    QString openFileName(const QString &title, const QString &folder, const QStringList &filters) override;
+    QStringList openFileNames(
+        const QString &title, const QString &folder, const QStringList &filters) override;
+    QString saveFileName(const QString &title, const QString &startPath, const QStringList &filters,
+        int *selectedFilter = nullptr) override;
+    QString folderName(const QString &title, const QString &folder) override;
+
+    void showProgress(bool) override { }
+    void setProgressCaption(const QString &) override { }
+    void setProgressRange(int) override { }
+    void setProgressValue(int value) override { m_progressValue = value; }
+    int progressValue() const override { return m_progressValue; }
+
+    void setBusy(bool) override { }
+    void statusMessage(const QString &text) override;
+    void processEvents() override { }
+    bool escapePressed() override { return false; }
+    [[noreturn]] void terminate(int exitCode) override;
+
+private:
+    int m_progressValue = 0;
+};
+
+} // namespace fenwork

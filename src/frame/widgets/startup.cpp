@@ -1,0 +1,143 @@
+#include "frame/widgets/startup.h"
+
+#include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/language.h"
+#include "frame/session.h"
+#include "frame/settings.h"
+#include "frame/singleinstance.h"
+#include "frame/strutil.h"
+#include "frame/widgets/firststartdialog.h"
+#include "frame/widgets/icons.h"
+#include "frame/widgets/languagechooser.h"
+#include "frame/widgets/mainwindow.h"
+#include "frame/widgets/progressstrip.h"
+#include "frame/widgets/splashwindow.h"
+#include "frame/widgets/tipsdialog.h"
+#include "frame/widgets/unixsignals.h"
+#include "frame/widgets/widgetdialogs.h"
+#include "store/workspacetree.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+#include <QUrl>
+
+namespace fenwork {
+
+namespace {
+
+// The last session's file that still exists, opened as the command line would open it.
+QString reopen(MainWindow &window, const QString &path)
+{
+    return QFileInfo(path).isFile() ? window.openPath(path) : QString();
+}
+
+void offerRecovery(AppContext &app, UserDialogs &ui)
+{
+    const QString recover = app.paths().recoverFile();
+    if (!QFileInfo::exists(recover))
+        return;
+    // The editor gets a copy: the original goes once the box is dismissed, whatever the editor did.
+    const QString copy = app.paths().cacheFolder() + QStringLiteral("/recover_tune.txt");
+    QFile::remove(copy);
+    if (QFile::copy(recover, copy))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(copy));
+    const QString msg = QStringLiteral("Msg");
+    ui.message(app.text(msg, QStringLiteral("<recovTune1>")) + CRLF + app.text(msg, QStringLiteral("<recovTune2>")),
+               UserDialogs::Icon::Information, app.text(msg, QStringLiteral("<recov>")));
+    QFile::remove(recover);
+}
+
+} // namespace
+
+int Main(const QStringList &arguments)
+{
+    WidgetDialogs dialogs;
+    const Paths paths = Paths::fromEnvironment();
+    // Only the last level is made: a missing parent means a wrong setup, and is said so.
+    if (!QFileInfo(paths.userRoot()).isDir() && !QDir().mkdir(paths.userRoot())) {
+        dialogs.contextError(QStringLiteral("MAIN"), QStringLiteral("Can't create the folder ") + paths.userRoot());
+        return 1;
+    }
+    AppContext app(paths, &dialogs);
+    IniFile &ini = app.ini();
+    setupIconTheme();
+
+    if (ini.getValue(keys::Lang.sectionName(), keys::Lang.keyName(), {}).isEmpty()) {
+        const QString chosen = LanguageChooser::choose(app);
+        if (!chosen.isEmpty())
+            app.lang().setName(chosen);
+    }
+    app.buildStartupTexts();
+
+    if (ini.getValue(keys::FichBak.sectionName(), keys::FichBak.keyName(), {}).isEmpty()) {
+        FirstStartDialog first(app);
+        first.exec();
+    }
+
+    const QString commandLine = cleanCommandLinePath(commandLineText(arguments));
+    SingleInstance instance(paths.userRoot());
+    if (!instance.claim()) {
+        if (commandLine.isEmpty()) {
+            dialogs.message(app.text(QStringLiteral("msg"), QStringLiteral("<prevInstance>")));
+            return 0;
+        }
+        if (!instance.handOver(commandLine))
+            dialogs.contextError(QStringLiteral("MAIN"), QStringLiteral("The running Fennelworks did not answer."));
+        return 0;
+    }
+
+    offerRecovery(app, dialogs);
+
+    QApplication::processEvents();
+    auto *splash = new SplashWindow;
+    splash->show();
+    QApplication::processEvents();
+
+    MainWindow window(app, dialogs);
+    window.MainLoad();
+    window.show();
+    splash->close();
+    splash->deleteLater();
+
+    QObject::connect(&instance, &SingleInstance::pathReceived, &window, &MainWindow::openHandedOver);
+    UnixSignals signalsWatch;
+    QObject::connect(&signalsWatch, &UnixSignals::terminationRequested, &window, &QWidget::close);
+
+    QString lastKey;
+    if (!commandLine.isEmpty()) {
+        const QFileInfo info(commandLine);
+        if (!info.isFile()) {
+            dialogs.message(QStringLiteral("Command line arguments = ") + commandLine + CRLF + QStringLiteral("----------")
+                            + CRLF + QStringLiteral("Can't open this file. Open it manually."));
+        } else {
+            lastKey = window.openPath(commandLine);
+        }
+    } else if (ini.get(keys::Rouvrir) == u"1") {
+        for (const QString &path : sessionFilesToRestore(ini)) {
+            const QString key = reopen(window, path);
+            if (!key.isEmpty())
+                lastKey = key;
+        }
+    }
+
+    if (ini.getBool(keys::SelFirstTune) && !lastKey.isEmpty()) {
+        if (Node *file = app.tree().find(lastKey); file && file->child(1) && file->child(1)->firstChild())
+            window.SimulerNodeClick(file->child(1)->firstChild()->Key);
+    }
+    if (ini.getBool(keys::ShowTips)) {
+        QApplication::processEvents();
+        TipsDialog tips(app, &window);
+        tips.exec();
+    }
+    // The version check runs here once it exists; nothing is fetched at start until then.
+
+    QApplication::setQuitOnLastWindowClosed(true);
+    return QApplication::exec();
+}
+
+} // namespace fenwork

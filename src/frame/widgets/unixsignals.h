@@ -1,0 +1,24 @@
+#pragma once
+#include <QObject>
+
+class QSocketNotifier;
+
+namespace fenwork {
+
+// Turns SIGTERM and SIGINT into a Qt signal delivered on the event loop, so that a terminated
+// program quits as if its window were closed.
+class UnixSignals : public QObject
+{
+    Q_OBJECT
+public:
+    explicit UnixSignals(QObject *parent = nullptr);
+    ~UnixSignals() override;
+
+signals:
+    void terminationRequested();
+
+private:
+    QSocketNotifier *m_notifier = nullptr;
+};
+
+} // namespace fenwork

@@ -1,0 +1,379 @@
+// Turning a file's text into nodes: the file node, its header lines, its body and its tunes.
+#include "store/tunestore.h"
+
+#include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
+#include "frame/strbuild.h"
+#include "frame/strutil.h"
+#include "frame/textcodecs.h"
+#include "frame/userdialogs.h"
+#include "store/treeops.h"
+#include "store/workspacetree.h"
+
+#include <QFileInfo>
+
+namespace fenwork {
+
+namespace {
+
+const QString kCreatorPrefix = QStringLiteral("%%abc-creator Fennelworks");
+
+// Keeps the view's notices for a node under construction together, whatever path the build ends by.
+class BuildScope
+{
+public:
+    BuildScope(WorkspaceTree &tree, Node *node) : m_tree(tree), m_node(node) { m_tree.beginBuild(node); }
+    ~BuildScope() { m_tree.endBuild(m_node); }
+
+private:
+    WorkspaceTree &m_tree;
+    Node *m_node;
+};
+
+QString fileName(const QString &path)
+{
+    const qsizetype slash = path.lastIndexOf(u'/');
+    return slash < 0 ? path : path.mid(slash + 1);
+}
+
+} // namespace
+
+TuneStore::TuneStore(AppContext &app) : m_app(app) {}
+
+TextEncoding TuneStore::fileEncoding(const QString &kFile) const
+{
+    return m_encodings.value(kFile, TextEncoding::Utf8);
+}
+
+QString TuneStore::GetCharset(const QString &kFile) const
+{
+    if (kFile.isEmpty())
+        return {};
+    return charsetFromHeader(GetStringHdrFile(kFile, true));
+}
+
+QString TuneStore::AddStringFile(const QString &path, const QString &text, bool inTrash, bool noAsk, bool readOnly,
+                                 const QString &kWanted, const QString &kRelative, int place)
+{
+    WorkspaceTree &tree = m_app.tree();
+    UserDialogs &ui = m_app.ui();
+    const QString mainForm = QStringLiteral("MainForm");
+    QString error;
+    const auto fail = [&](const QString &description) {
+        ui.contextError(QStringLiteral("AddStringFile"), description);
+        ui.showProgress(false);
+        return QString();
+    };
+
+    const QStringList lines = text.split(CRLF);
+    Node *file = nullptr;
+    Node *header = nullptr;
+    if (inTrash) {
+        file = tree.find(key::Trash);
+        header = tree.find(key::TrashHeader);
+        if (!file || !header)
+            return fail(QStringLiteral("The trash box is missing"));
+    } else {
+        if (!kWanted.isEmpty() && (place & ReuseWanted) && tree.find(kWanted)) {
+            file = tree.find(kWanted);
+            tree.removeChildren(file);
+        } else {
+            Node *relative = kRelative.isEmpty() ? nullptr : tree.find(kRelative);
+            if (relative && (place & AfterRelative))
+                file = tree.add(relative, WorkspaceTree::Place::Next, {}, {}, Pic::FileAbc);
+            else if (relative && (place & BeforeRelative))
+                file = tree.add(relative, WorkspaceTree::Place::Previous, {}, {}, Pic::FileAbc);
+            else
+                file = tree.addChild(tree.root(), {}, {}, Pic::FileAbc);
+            if (!file)
+                return fail(QStringLiteral("The workspace has no root"));
+            if (kWanted.isEmpty() || !(place & NewWithWanted) || !tree.setKey(file, kWanted))
+                SetOneKey(tree, file, QStringLiteral("_file"));
+        }
+        file->Expanded = m_app.ini().get(keys::FileExpand) != u"0";
+        file->Text = u'[' + fileName(path) + u']';
+        file->Tag = path;
+        file->ForeColor = color::File;
+        file->Bold = true;
+        file->Image = readOnly ? Pic::FileRo : Pic::FileAbc;
+        tree.changed(file);
+        header = tree.addChild(file, file->Key + key::HdrFile, m_app.text(mainForm, QStringLiteral("<fileHeader>")),
+                               Pic::HdrFile, &error);
+        if (!header)
+            return fail(error);
+        header->ForeColor = color::FileHeader;
+        header->Bold = true;
+    }
+    const QString kFile = file->Key;
+    BuildScope build(tree, inTrash ? header : file);
+
+    ui.setProgressRange(qMax(0, int(lines.size()) - 1));
+    ui.setProgressValue(0);
+    ui.setProgressCaption(QStringLiteral("Load..."));
+    ui.processEvents();
+
+    const auto addBody = [&]() -> Node * {
+        if (inTrash)
+            return tree.find(key::TrashBody);
+        Node *body = tree.addChild(file, kFile + key::BdyFile, m_app.text(mainForm, QStringLiteral("<fileBody>")),
+                                   Pic::BdyFile, &error);
+        if (body) {
+            body->Expanded = true;
+            body->ForeColor = color::FileHeader;
+            body->Bold = true;
+        }
+        return body;
+    };
+
+    bool inHeader = true;
+    bool inPostScript = false;
+    bool sawAbc = false, sawCreator = false, sawAlias = false;
+    int headerCount = 0;
+    QStringList tunes;
+    StrBuild buffer;
+    const int progressStep = qMax(1, int(lines.size() / 100));
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (i % progressStep == 0)
+            ui.setProgressValue(int(i));
+        const QString line = trimBlanks(lines.at(i));
+        if (line.startsWith(u"X:")) {
+            if (inHeader) {
+                inHeader = false;
+                if (!addBody())
+                    return fail(error);
+            } else {
+                tunes.append(buffer.Value());
+                buffer.Clear();
+            }
+            buffer.Append(line);
+            buffer.Append(CRLF);
+            continue;
+        }
+        if (!inHeader) {
+            if (!line.isEmpty()) {
+                buffer.Append(line);
+                buffer.Append(CRLF);
+            }
+            continue;
+        }
+        if (line.isEmpty())
+            continue;
+        ++headerCount;
+        QString keyEnding;
+        QString shown = line;
+        if (headerCount == 1 && line.startsWith(u"%abc")) {
+            keyEnding = QStringLiteral("_lgabc");
+            sawAbc = true;
+        } else if (line.left(25) == kCreatorPrefix) {
+            keyEnding = QStringLiteral("_lgcreator");
+            shown = m_app.creatorLine;
+            sawCreator = true;
+        } else if (line.left(11) == u"%%abc-alias") {
+            keyEnding = QStringLiteral("_lgalias");
+            sawAlias = true;
+        } else {
+            keyEnding = QStringLiteral("_lg") + QString::number(headerCount);
+        }
+        Node *node = tree.addChild(header, header->Key + keyEnding, shown, Pic::None, &error);
+        if (!node)
+            return fail(error);
+        Pic pic;
+        if (line == u"%%beginps") {
+            pic = Pic::ChpEtend;
+            inPostScript = true;
+        } else if (line == u"%%endps") {
+            pic = Pic::ChpEtend;
+            inPostScript = false;
+        } else if (inPostScript) {
+            pic = Pic::NoAbc;
+        } else {
+            QString probe = line;
+            pic = GetIconeLigne(probe);
+        }
+        node->Image = pic;
+        if (pic == Pic::Include)
+            InclureDans(path, node, line);
+    }
+
+    if (inHeader) {
+        // A file without any tune: no line is supplied, the user is told.
+        if (!inTrash) {
+            if (!addBody())
+                return fail(error);
+            ui.setBusy(false);
+            ui.message(path + CRLF + CRLF + m_app.text(QStringLiteral("Msg"), QStringLiteral("<lackingX>")));
+            ui.setBusy(true);
+        }
+        CompterTunesDansFichier(m_app, kFile);
+        ui.showProgress(false);
+        return kFile;
+    }
+    tunes.append(buffer.Value());
+    buffer.Clear();
+
+    if (!sawAbc) {
+        Node *first = header->firstChild();
+        Node *node = first ? tree.add(first, WorkspaceTree::Place::Previous, header->Key + QStringLiteral("_lgabc"),
+                                      QStringLiteral("%abc"), Pic::Rem, &error)
+                           : tree.addChild(header, header->Key + QStringLiteral("_lgabc"), QStringLiteral("%abc"),
+                                           Pic::Rem, &error);
+        if (!node)
+            return fail(error);
+    }
+    if (!sawCreator) {
+        if (!tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgcreator"),
+                      m_app.creatorLine, Pic::ChpEtend, &error))
+            return fail(error);
+    }
+    if (!inTrash) {
+        bool hasAlias = sawAlias;
+        if (!sawAlias) {
+            QString alias;
+            if (m_app.ini().get(keys::Ask4alias) == u"1" && !noAsk) {
+                const QString msg = QStringLiteral("Msg");
+                ui.setBusy(false);
+                alias = trimBlanks(ui.inputText(path + CRLF + CRLF + m_app.text(msg, QStringLiteral("<chooseAlias>")),
+                                                m_app.text(msg, QStringLiteral("<aliasFile>")),
+                                                m_app.text(msg, QStringLiteral("<defaultAlias>"))));
+                ui.setBusy(true);
+            }
+            if (!alias.isEmpty()) {
+                hasAlias = true;
+                SetFlagModifFile(kFile);
+            } else {
+                alias = QStringLiteral("none");
+            }
+            if (!tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgalias"),
+                          QStringLiteral("%%abc-alias ") + alias, Pic::ChpEtend, &error))
+                return fail(error);
+        }
+        if (hasAlias) {
+            const qsizetype bracket = file->Text.indexOf(u'[');
+            tree.setText(file, GetAliasFile(m_app, kFile) + u' ' + file->Text.mid(qMax<qsizetype>(0, bracket)));
+        }
+    }
+
+    ui.processEvents();
+    ui.setProgressRange(int(tunes.size()));
+    ui.setProgressValue(0);
+    ui.setProgressCaption(QStringLiteral("Build..."));
+    ui.processEvents();
+    const int tuneStep = qMax(1, int(tunes.size() / 100));
+    for (qsizetype i = 0; i < tunes.size(); ++i) {
+        if (i % tuneStep == 0)
+            ui.setProgressValue(int(i));
+        QString tuneText = tunes.at(i);
+        QString wanted = kFile + QStringLiteral("_tune") + QString::number(i + 1);
+        AddStringTune(tuneText, kFile, inTrash, {}, false, wanted);
+    }
+    CompterTunesDansFichier(m_app, kFile);
+    CompterFiles(m_app);
+    ui.showProgress(false);
+    return kFile;
+}
+
+QString TuneStore::createNewFile()
+{
+    WorkspaceTree &tree = m_app.tree();
+    Node *file = tree.addChild(tree.root(), {}, u'<' + m_app.text(QStringLiteral("Msg"), QStringLiteral("<newAbcFile>")) + u'>',
+                               Pic::FileAbc);
+    if (!file)
+        return {};
+    SetOneKey(tree, file, QStringLiteral("_file"));
+    file->Expanded = true;
+    file->ForeColor = color::File;
+    file->Bold = true;
+    file->Tag = QStringLiteral("<new>");
+    tree.changed(file);
+    const QString kFile = file->Key;
+    const QString mainForm = QStringLiteral("MainForm");
+    {
+        BuildScope build(tree, file);
+        Node *header = tree.addChild(file, kFile + key::HdrFile, m_app.text(mainForm, QStringLiteral("<fileHeader>")),
+                                     Pic::HdrFile);
+        header->ForeColor = color::FileHeader;
+        header->Bold = true;
+        tree.addChild(header, header->Key + QStringLiteral("_lgabc"), QStringLiteral("%abc"), Pic::Rem);
+        tree.addChild(header, header->Key + QStringLiteral("_lgalias"), QStringLiteral("%%abc-alias none"), Pic::ChpEtend);
+        tree.addChild(header, header->Key + QStringLiteral("_lgcreator"), m_app.creatorLine, Pic::ChpEtend);
+        Node *body = tree.addChild(file, kFile + key::BdyFile, m_app.text(mainForm, QStringLiteral("<fileBody>")),
+                                   Pic::BdyFile);
+        body->Expanded = true;
+        body->ForeColor = color::FileHeader;
+        body->Bold = true;
+    }
+    m_encodings.insert(kFile, TextEncoding::Utf8);
+    CompterTunesDansFichier(m_app, kFile);
+    if (selectNode)
+        selectNode(kFile);
+    return kFile;
+}
+
+void TuneStore::rebuildFileHeader(const QString &kFile, const QString &text)
+{
+    WorkspaceTree &tree = m_app.tree();
+    Node *file = tree.find(kFile);
+    Node *header = file ? file->firstChild() : nullptr;
+    if (!header)
+        return;
+    tree.removeChildren(header);
+    QString error;
+    bool sawAbc = false, sawCreator = false, sawAlias = false;
+    QString alias;
+    {
+        BuildScope build(tree, header);
+        const QStringList lines = text.split(CRLF);
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            QString line = lines.at(i);
+            if (trimBlanks(line).isEmpty())
+                continue;
+            QString keyEnding;
+            if (i == 0 && line.startsWith(u"%abc")) {
+                keyEnding = QStringLiteral("_lgabc");
+                sawAbc = true;
+            } else if (line.startsWith(kCreatorPrefix)) {
+                line = m_app.creatorLine;
+                keyEnding = QStringLiteral("_lgcreator");
+                sawCreator = true;
+            } else if (line.startsWith(u"%%abc-alias")) {
+                alias = line.mid(11);
+                if (trimBlanks(alias) == u"none")
+                    alias.clear();
+                keyEnding = QStringLiteral("_lgalias");
+                sawAlias = true;
+            } else {
+                keyEnding = QStringLiteral("_lg") + QString::number(i);
+            }
+            QString probe = line;
+            const Pic pic = GetIconeLigne(probe);
+            Node *node = tree.addChild(header, header->Key + keyEnding, line, pic, &error);
+            if (!node) {
+                m_app.ui().contextError(QStringLiteral("HeaderRebuild"), error);
+                continue;
+            }
+            if (pic == Pic::Include)
+                InclureDans(file->Tag, node, line);
+        }
+        if (!sawAbc) {
+            if (Node *first = header->firstChild())
+                tree.add(first, WorkspaceTree::Place::Previous, header->Key + QStringLiteral("_lgabc"),
+                         QStringLiteral("%abc"), Pic::Rem);
+            else
+                tree.addChild(header, header->Key + QStringLiteral("_lgabc"), QStringLiteral("%abc"), Pic::Rem);
+        }
+        if (!sawCreator)
+            tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgcreator"),
+                     m_app.creatorLine, Pic::ChpEtend);
+        if (!sawAlias)
+            tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgalias"),
+                     QStringLiteral("%%abc-alias none"), Pic::ChpEtend);
+    }
+    if (sawAlias) {
+        const qsizetype bracket = file->Text.indexOf(u'[');
+        if (bracket >= 0)
+            tree.setText(file, trimBlanks(alias) + u' ' + file->Text.mid(bracket));
+    }
+}
+
+} // namespace fenwork

@@ -1,0 +1,196 @@
+// Opening a file: the whole text is read, its line ends and a few ABC spellings are made uniform,
+// and the text goes to the file builder.
+#include "store/tunestore.h"
+
+#include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/regexp.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/textcodecs.h"
+#include "frame/userdialogs.h"
+#include "store/recentfiles.h"
+#include "store/workspacetree.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace fenwork {
+
+namespace {
+
+void yield(UserDialogs *ui, const QString &caption)
+{
+    if (!ui)
+        return;
+    ui->setProgressCaption(caption);
+    ui->processEvents();
+}
+
+bool isAsciiWord(QChar c)
+{
+    const char16_t u = c.unicode();
+    return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_';
+}
+
+// A repeat sign glued before a field ("|:K:G") moves to the start of the next line, where it may
+// be glued before a field again and move on. The text has CR LF line ends here, so this is one
+// pass over its lines. A line must hold something after "|:K:" to count: taking the line end
+// instead would lose the first character of the next line.
+void unglueRepeats(QString &text)
+{
+    if (!text.contains(QStringLiteral("|:")))
+        return;
+    const QStringList lines = text.split(CRLF);
+    QStringList out;
+    out.reserve(lines.size() + 1);
+    bool carry = false;
+    for (const QString &original : lines) {
+        const QString line = carry ? QStringLiteral("|:") + original : original;
+        carry = line.size() >= 5 && line.at(0) == u'|' && line.at(1) == u':' && isAsciiWord(line.at(2))
+                && line.at(3) == u':';
+        out.append(carry ? line.mid(2) : line);
+    }
+    if (carry)
+        out.append(QStringLiteral("|:"));
+    text = out.join(CRLF);
+}
+
+} // namespace
+
+bool normaliseAbcText(QString &text, UserDialogs *ui, QString *error)
+{
+    // Every convention of line end, also mixed, becomes CR LF.
+    const QString nulPair(2, QChar(0));
+    text.replace(CRLF, nulPair);
+    text.replace(u'\n', nulPair);
+    text.replace(u'\r', nulPair);
+    text.replace(nulPair, CRLF);
+
+    text = trimBlanks(text);
+    // A file of blanks and line ends only is as empty as a file of nothing.
+    if (std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c == u' ' || c == u'\r' || c == u'\n'; })) {
+        text.clear();
+        return true;
+    }
+
+    // PostScript blocks are spared the rewrites: each is overwritten by "@" and put back at the end.
+    RegExp regex;
+    regex.Global = true;
+    regex.MultiLine = true;
+    regex.Pattern = QStringLiteral(R"(^%%beginps[\d\D\w\W\s\S]*?^%%endps)");
+    QStringList blocks;
+    for (const RegExpMatch &match : regex.Execute(text)) {
+        blocks.append(match.value);
+        text.replace(match.firstIndex, match.length, QString(match.length, u'@'));
+    }
+
+    yield(ui, QStringLiteral("ABC-strings..."));
+    text = abcEscapeDecode(text, ui);
+
+    regex.Pattern = QStringLiteral(R"(\| *?\|)");
+    text = regex.Replace(text, QStringLiteral("||"));
+
+    text.replace(QStringLiteral("| 1"), QStringLiteral("|1"));
+    text.replace(QStringLiteral(":| 2"), QStringLiteral(":|2"));
+    text.replace(CRLF + u'/', QStringLiteral("/"));
+    const QString split = QStringLiteral(":|") + CRLF + QStringLiteral("|:");
+    text.replace(QStringLiteral("::") + CRLF, split);
+    text.replace(QStringLiteral(":|:") + CRLF, split);
+    text.replace(QStringLiteral(":||:") + CRLF, split);
+
+    unglueRepeats(text);
+
+    regex.Pattern = QStringLiteral("^@@+");
+    const QVector<RegExpMatch> marks = regex.Execute(text);
+    for (qsizetype i = 0; i < marks.size(); ++i) {
+        if (i >= blocks.size()) {
+            if (error)
+                *error = QStringLiteral("Subscript out of range");
+            return false;
+        }
+        const RegExpMatch &mark = marks.at(i);
+        const QString &block = blocks.at(i);
+        text.replace(mark.firstIndex, qMin(mark.length, block.size()), block.left(mark.length));
+    }
+    return true;
+}
+
+QString TuneStore::FichierOuvrir(const QString &path, bool inTrash, bool noAsk, bool readOnly)
+{
+    UserDialogs &ui = m_app.ui();
+    WorkspaceTree &tree = m_app.tree();
+    BusyScope busy(ui);
+
+    if (!inTrash) {
+        if (Node *root = tree.root()) {
+            const QString lower = path.toLower();
+            for (Node *file : root->children())
+                if (!file->Tag.isEmpty() && file->Tag.toLower() == lower)
+                    return file->Key;
+        }
+    }
+
+    const auto fail = [&](const QString &description) {
+        ui.showProgress(false);
+        ui.contextError(QStringLiteral("FichierOuvrir"), description);
+        return QString();
+    };
+
+    ui.setProgressRange(100);
+    ui.setProgressValue(0);
+    ui.showProgress(true);
+    yield(&ui, QStringLiteral("..."));
+
+    const QFileInfo info(path);
+    if (!info.exists())
+        return fail(QStringLiteral("File not found: ") + path);
+    if (info.isDir())
+        return fail(QStringLiteral("Path is a folder, not a file: ") + path);
+
+    if (!inTrash && m_app.ini().get(keys::FichBak) == u"1") {
+        yield(&ui, QStringLiteral("Save BAK..."));
+        const QString backup = path + QStringLiteral(".BAK");
+        QFile::remove(backup);
+        QFile source(path);
+        if (!source.copy(backup))
+            return fail(QStringLiteral("Can't make the backup copy ") + backup + QStringLiteral(": ")
+                        + source.errorString());
+    }
+
+    yield(&ui, QStringLiteral("Open..."));
+    TextFileResult read = readTextFile(path);
+    if (!read.ok)
+        return fail(read.error);
+
+    QString text = std::move(read.text);
+    // A byte-order mark would hide the first line's "X:" or "%abc".
+    if (text.startsWith(QChar(0xFEFF)))
+        text.remove(0, 1);
+    QString error;
+    if (!normaliseAbcText(text, &ui, &error))
+        return fail(error);
+    if (text.isEmpty()) {
+        ui.setBusy(false);
+        ui.message(path + CRLF + CRLF + m_app.text(QStringLiteral("Msg"), QStringLiteral("<openFail>")));
+        ui.setBusy(true);
+        ui.showProgress(false);
+        return {};
+    }
+
+    const QString kFile = AddStringFile(path, text, inTrash, noAsk, readOnly, {}, {}, ReuseWanted);
+    if (kFile.isEmpty()) {
+        ui.contextError(QStringLiteral("FichierOuvrir"), QStringLiteral("kFile is empty"));
+        ui.showProgress(false);
+        ui.terminate(1);
+        return {};
+    }
+    setFileEncoding(kFile, read.encoding);
+    if (!inTrash && recent)
+        recent->add(path);
+    return kFile;
+}
+
+} // namespace fenwork

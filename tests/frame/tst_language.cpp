@@ -1,0 +1,293 @@
+#include "testmain.h"
+
+#include "frame/language.h"
+#include "frame/paths.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace fenwork;
+
+namespace {
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+struct KeyRef
+{
+    QString section;
+    QString key;
+};
+
+// The keys every language must supply, one "Section<TAB>key" a line.
+QList<KeyRef> requiredKeys()
+{
+    QList<KeyRef> keys;
+    QFile file(QStringLiteral(FENWORK_TESTDATA_DIR "/frame/data/langkeys.txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        return keys;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        const QStringList parts = line.split(u'\t');
+        if (parts.size() == 2)
+            keys.append({ parts.at(0), parts.at(1) });
+    }
+    return keys;
+}
+
+QString shippedLanguage(const QString &name)
+{
+    return QStringLiteral(FENWORK_DATA_DIR "/lang/") + name + QStringLiteral(".txt");
+}
+
+} // namespace
+
+class TestLanguage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_root.isValid());
+        QVERIFY(QDir(m_root.path()).mkpath(QStringLiteral("program/lang")));
+        m_paths = Paths(m_root.filePath(QStringLiteral("user")), m_root.filePath(QStringLiteral("program")));
+    }
+
+    void lookup_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("expected");
+
+        const QByteArray msg = "[Msg]\r\n<prevInstance>=Already running\r\n<saveModif>=Save?\r\n";
+        QTest::newRow("msg") << msg << "msg"
+                             << "<prevInstance>"
+                             << "Already running";
+        QTest::newRow("MSG") << msg << "MSG"
+                             << "<prevInstance>"
+                             << "Already running";
+        QTest::newRow("Msg") << msg << "Msg"
+                             << "<saveModif>"
+                             << "Save?";
+        QTest::newRow("key case") << msg << "Msg"
+                                  << "<SAVEMODIF>"
+                                  << "Save?";
+        QTest::newRow("missing key") << msg << "Msg"
+                                     << "<nothing>"
+                                     << "";
+        QTest::newRow("missing section") << msg << "Menus"
+                                         << "<saveModif>"
+                                         << "";
+        const QByteArray form = "[MainForm]\n<tune>=tune\n<fileBody>=Tunes\n";
+        QTest::newRow("Mainform") << form << "Mainform"
+                                  << "<tune>"
+                                  << "tune";
+        QTest::newRow("first of two") << QByteArray("[A]\n<k>=one\n<K>=two\n") << "A"
+                                      << "<k>"
+                                      << "one";
+        QTest::newRow("cut at 254") << "[A]\n<k>=" + QByteArray(400, 'z') + "\n"
+                                    << "A"
+                                    << "<k>" << QString(254, u'z');
+        QTest::newRow("latin-1 file") << QByteArray("[A]\n<k>=Fran\xe7"
+                                                    "ais\n")
+                                      << "A"
+                                      << "<k>" << QStringLiteral("Français");
+        QTest::newRow("garbage") << QByteArray("\0\xff\xfe[", 4) << "A"
+                                 << "<k>"
+                                 << "";
+    }
+    void lookup()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, expected);
+        writeFile(m_paths.inProgram(QStringLiteral("lang/Test.txt")), content);
+        const Language lang(m_paths, QStringLiteral("Test"));
+        QCOMPARE(lang.text(section, key), expected);
+    }
+
+    void missingFile()
+    {
+        const Language lang(m_paths, QStringLiteral("Nowhere"));
+        QCOMPARE(lang.filePath(), m_paths.inProgram(QStringLiteral("lang/Nowhere.txt")));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<saveModif>")), QString());
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<saveModif>"), QStringLiteral("d")),
+            QStringLiteral("d"));
+        const Language unnamed(m_paths);
+        QCOMPARE(unnamed.text(QStringLiteral("Msg"), QStringLiteral("<saveModif>")), QString());
+    }
+
+    void changeIsSeenAtOnce()
+    {
+        const QString path = m_paths.inProgram(QStringLiteral("lang/Live.txt"));
+        writeFile(path, "[Msg]\n<k>=one\n");
+        Language lang(m_paths, QStringLiteral("Live"));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("one"));
+
+        // Same size, rewritten in place at once: file times may not have moved.
+        writeFile(path, "[Msg]\n<k>=two\n");
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("two"));
+
+        // An old file changed in place with its modification time put back.
+        QFile file(path);
+        const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+        file.close();
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("two"));
+        writeFile(path, "[Msg]\n<k>=six\n");
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+        file.close();
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("six"));
+
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QString());
+        writeFile(path, "[Msg]\n<k>=back\n");
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("back"));
+
+        // A change of language needs no reload step.
+        writeFile(m_paths.inProgram(QStringLiteral("lang/Other.txt")), "[Msg]\n<k>=other\n");
+        lang.setName(QStringLiteral("Other"));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("other"));
+    }
+
+    // Once a file has been left alone for a while its parsed copy is trusted on its file times
+    // alone; a later change must still show, even one that puts the modification time back.
+    void changeOfSettledFile()
+    {
+        const QString path = m_paths.inProgram(QStringLiteral("lang/Settled.txt"));
+        writeFile(path, "[Msg]\n<k>=one\n");
+        QTest::qSleep(2300);
+        const Language lang(m_paths, QStringLiteral("Settled"));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("one"));
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("one"));
+
+        // Put the modification time back to the nanosecond, which Qt's file times cannot do.
+        const QByteArray native = QFile::encodeName(path);
+        struct stat before;
+        QCOMPARE(::stat(native.constData(), &before), 0);
+        writeFile(path, "[Msg]\n<k>=two\n");
+        const timespec times[2] = { before.st_atim, before.st_mtim };
+        QCOMPARE(::utimensat(AT_FDCWD, native.constData(), times, 0), 0);
+        QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("two"));
+    }
+
+    void available()
+    {
+        QTemporaryDir dir;
+        const Paths paths(dir.path(), dir.path());
+        const Language lang(paths);
+        QCOMPARE(lang.available(), QStringList());
+        QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("lang/Folder.txt")));
+        writeFile(dir.filePath(QStringLiteral("lang/Français.txt")), "");
+        writeFile(dir.filePath(QStringLiteral("lang/English.txt")), "");
+        writeFile(dir.filePath(QStringLiteral("lang/notes.md")), "");
+        QCOMPARE(lang.available(), (QStringList { QStringLiteral("English"), QStringLiteral("Français") }));
+    }
+
+    void shippedEnglishIsComplete()
+    {
+        const QList<KeyRef> keys = requiredKeys();
+        QVERIFY2(keys.size() > 700, "the key list is missing or short");
+        const Paths paths(m_root.path(), QStringLiteral(FENWORK_DATA_DIR));
+        const Language lang(paths, QStringLiteral("English"));
+        QStringList missing;
+        for (const KeyRef &ref : keys) {
+            if (lang.text(ref.section, ref.key).isEmpty())
+                missing.append(ref.section + u'/' + ref.key);
+        }
+        QVERIFY2(missing.isEmpty(), qPrintable(missing.join(u", ")));
+
+        bool ok = false;
+        const int count = lang.text(QStringLiteral("Tips"), QStringLiteral("<count>")).toInt(&ok);
+        QVERIFY(ok && count >= 12);
+        for (int n = 1; n <= count; ++n)
+            QVERIFY2(!lang.text(QStringLiteral("Tips"), u'<' + QString::number(n) + u'>').isEmpty(),
+                qPrintable(QString::number(n)));
+
+        // Restoring from the trash box reads the path behind the first colon of this caption.
+        const QString fromFile = lang.text(QStringLiteral("TrashPanel"), QStringLiteral("<fromFile>"));
+        QVERIFY(fromFile.endsWith(u':'));
+        QCOMPARE(fromFile.count(u':'), 1);
+    }
+
+    void shippedFrenchHasMainSections()
+    {
+        const Paths paths(m_root.path(), QStringLiteral(FENWORK_DATA_DIR));
+        const Language lang(paths, QStringLiteral("Français"));
+        const QSet<QString> sections { QStringLiteral("menus"), QStringLiteral("mainform"),
+            QStringLiteral("msg") };
+        QStringList missing;
+        int checked = 0;
+        for (const KeyRef &ref : requiredKeys()) {
+            if (!sections.contains(ref.section.toLower()))
+                continue;
+            ++checked;
+            if (lang.text(ref.section, ref.key).isEmpty())
+                missing.append(ref.section + u'/' + ref.key);
+        }
+        QVERIFY(checked > 300);
+        QVERIFY2(missing.isEmpty(), qPrintable(missing.join(u", ")));
+    }
+
+    // Sections and keys are matched without regard to case, so a second spelling of a section or
+    // key in a shipped file is dead text that nobody sees.
+    void shippedFilesHaveNoDeadText_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("English") << "English";
+        QTest::newRow("Français") << "Français";
+    }
+    void shippedFilesHaveNoDeadText()
+    {
+        QFETCH(QString, name);
+        QFile file(shippedLanguage(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        QSet<QString> sections;
+        QSet<QString> keys;
+        QString section;
+        QStringList dead;
+        for (const QString &raw : text.split(u'\n')) {
+            const QString line = raw.trimmed();
+            if (line.isEmpty() || line.startsWith(u';'))
+                continue;
+            if (line.startsWith(u'[')) {
+                section = line.mid(1, line.lastIndexOf(u']') - 1).trimmed().toCaseFolded();
+                if (sections.contains(section))
+                    dead.append(u'[' + section + u']');
+                sections.insert(section);
+                continue;
+            }
+            const qsizetype equal = line.indexOf(u'=');
+            QVERIFY2(equal > 0, qPrintable(line));
+            const QString id = section + u'/' + line.left(equal).trimmed().toCaseFolded();
+            if (keys.contains(id))
+                dead.append(id);
+            keys.insert(id);
+            QVERIFY2(line.size() - equal - 1 <= 254, qPrintable(id));
+        }
+        QVERIFY2(dead.isEmpty(), qPrintable(dead.join(u", ")));
+    }
+
+private:
+    QTemporaryDir m_root;
+    Paths m_paths;
+};
+
+FENWORK_TEST(TestLanguage)
+#include "tst_language.moc"

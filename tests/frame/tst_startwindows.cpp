@@ -1,0 +1,241 @@
+#include "testmain.h"
+
+#include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/language.h"
+#include "frame/scripteddialogs.h"
+#include "frame/settings.h"
+#include "frame/version.h"
+#include "frame/widgets/firststartdialog.h"
+#include "frame/widgets/icons.h"
+#include "frame/widgets/languagechooser.h"
+#include "frame/widgets/tipsdialog.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+using namespace fenwork;
+
+namespace {
+
+// A user root and a program folder of our own, with the language files a test asks for.
+struct StartEnv
+{
+    QTemporaryDir dir;
+    ScriptedDialogs ui;
+    std::unique_ptr<AppContext> app;
+
+    explicit StartEnv(const QMap<QString, QByteArray> &langFiles)
+    {
+        QDir().mkpath(program() + QStringLiteral("/lang"));
+        QDir().mkpath(dir.filePath(QStringLiteral("root")));
+        for (auto it = langFiles.cbegin(); it != langFiles.cend(); ++it) {
+            QFile file(program() + QStringLiteral("/lang/") + it.key());
+            if (file.open(QIODevice::WriteOnly))
+                file.write(it.value());
+        }
+        app = std::make_unique<AppContext>(Paths(dir.filePath(QStringLiteral("root")), program()), &ui);
+    }
+    QString program() const { return dir.filePath(QStringLiteral("program")); }
+    QString setting(const SettingKey &key) const
+    {
+        return app->ini().getValue(key.sectionName(), key.keyName(), QStringLiteral("<missing>"));
+    }
+};
+
+const QByteArray kEnglish
+    = "[Options]\r\n<saveBak>=Keep a .BAK copy\r\n"
+      "[Tips]\r\n<count>=3\r\n<daytip>=Tip of the day\r\n<nextTip>=Next\r\n"
+      "<displAtStart>=Show at start\r\n<1>=First tip\r\n<2>=Second tip\r\n<3>=Third tip\r\n";
+
+} // namespace
+
+class TestStartWindows : public QObject
+{
+    Q_OBJECT
+private slots:
+    void languageChooser_data();
+    void languageChooser();
+    void languageChooserDoubleClick();
+    void firstStart_data();
+    void firstStart();
+    void tipsWrapAround();
+    void treePictures();
+};
+
+void TestStartWindows::languageChooser_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("listed");
+    QTest::addColumn<QString>("chosen"); // after Return; empty: nothing taken
+
+    QTest::newRow("English among others")
+        << QStringList { QStringLiteral("Français.txt"), QStringLiteral("English.txt"),
+               QStringLiteral("Deutsch.txt"), QStringLiteral("notes.md") }
+        << QStringList { QStringLiteral("Deutsch"), QStringLiteral("English"), QStringLiteral("Français") }
+        << QStringLiteral("English");
+    QTest::newRow("no English: nothing preselected")
+        << QStringList { QStringLiteral("Français.txt") } << QStringList { QStringLiteral("Français") }
+        << QString();
+    QTest::newRow("empty folder") << QStringList {} << QStringList {} << QString();
+}
+
+void TestStartWindows::languageChooser()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, listed);
+    QFETCH(QString, chosen);
+
+    QMap<QString, QByteArray> langFiles;
+    for (const QString &f : files)
+        langFiles.insert(f, QByteArray());
+    StartEnv env(langFiles);
+    LanguageChooser chooser(*env.app);
+    chooser.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&chooser));
+    QCOMPARE(chooser.objectName(), QStringLiteral("f_lg"));
+
+    auto *list = chooser.findChild<QListWidget *>(QStringLiteral("lst_lang"));
+    QVERIFY(list);
+    QStringList rows;
+    for (int i = 0; i < list->count(); ++i)
+        rows << list->item(i)->text();
+    QCOMPARE(rows, listed);
+
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(chooser.chosen(), chosen);
+    if (chosen.isEmpty()) {
+        QCOMPARE(env.setting(keys::Lang), QStringLiteral("<missing>"));
+        // Without a row taken the window waits, unless there is nothing to choose from.
+        QCOMPARE(chooser.isVisible(), !listed.isEmpty());
+        chooser.close();
+        QCOMPARE(chooser.chosen(), QString());
+    } else {
+        QVERIFY(!chooser.isVisible());
+        QCOMPARE(chooser.result(), int(QDialog::Accepted));
+        QCOMPARE(env.setting(keys::Lang), chosen);
+        QCOMPARE(env.app->lang().name(), chosen);
+    }
+}
+
+void TestStartWindows::languageChooserDoubleClick()
+{
+    StartEnv env(
+        { { QStringLiteral("English.txt"), kEnglish }, { QStringLiteral("Deutsch.txt"), QByteArray() } });
+    LanguageChooser chooser(*env.app);
+    chooser.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&chooser));
+    auto *list = chooser.findChild<QListWidget *>(QStringLiteral("lst_lang"));
+    QVERIFY(list);
+    const QRect row = list->visualItemRect(list->item(0));
+    // A real double click: press, release, then the double-click press and its release.
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
+    QCOMPARE(chooser.chosen(), QStringLiteral("Deutsch"));
+    QCOMPARE(env.setting(keys::Lang), QStringLiteral("Deutsch"));
+}
+
+void TestStartWindows::firstStart_data()
+{
+    QTest::addColumn<bool>("checked");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("backups on") << true << QStringLiteral("1");
+    QTest::newRow("backups off") << false << QStringLiteral("0");
+}
+
+void TestStartWindows::firstStart()
+{
+    QFETCH(bool, checked);
+    QFETCH(QString, stored);
+
+    StartEnv env({ { QStringLiteral("English.txt"), kEnglish } });
+    env.app->lang().setName(QStringLiteral("English"));
+    FirstStartDialog dialog(*env.app);
+    dialog.show();
+    QCOMPARE(dialog.objectName(), QStringLiteral("f_firststart"));
+    QVERIFY(dialog.windowTitle().contains(versionText()));
+
+    auto *box = dialog.findChild<QCheckBox *>(QStringLiteral("chk_Bak"));
+    QVERIFY(box);
+    QCOMPARE(box->text(), QStringLiteral("Keep a .BAK copy"));
+    QVERIFY(box->isChecked()); // a first run has backups on until the user says otherwise
+    box->setChecked(checked);
+    QCOMPARE(env.setting(keys::FichBak), QStringLiteral("<missing>")); // nothing before OK
+
+    auto *buttons = dialog.findChild<QDialogButtonBox *>();
+    QVERIFY(buttons);
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    QCOMPARE(env.setting(keys::FichBak), stored);
+    QVERIFY(!dialog.isVisible());
+}
+
+void TestStartWindows::tipsWrapAround()
+{
+    StartEnv env({ { QStringLiteral("English.txt"), kEnglish } });
+    env.app->lang().setName(QStringLiteral("English"));
+    env.app->ini().set(keys::ShowTips, QStringLiteral("1"));
+    TipsDialog tips(*env.app);
+    tips.show();
+    QCOMPARE(tips.objectName(), QStringLiteral("f_tips"));
+    QCOMPARE(tips.windowTitle(), QStringLiteral("Tip of the day"));
+    QCOMPARE(tips.tipCount(), 3);
+    QVERIFY(tips.currentTip() >= 1 && tips.currentTip() <= 3);
+
+    auto *next = tips.findChild<QPushButton *>(QStringLiteral("bt_nextTip"));
+    auto *tipLabel = tips.findChild<QLabel *>(QStringLiteral("lab_tip"));
+    QVERIFY(next && tipLabel);
+    tips.showTip(2);
+    const QStringList expected { QStringLiteral("Third tip"), QStringLiteral("First tip"),
+        QStringLiteral("Second tip") };
+    for (const QString &text : expected) {
+        QTest::mouseClick(next, Qt::LeftButton);
+        QCOMPARE(tipLabel->text(), text);
+    }
+
+    auto *showAtStart = tips.findChild<QCheckBox *>(QStringLiteral("chk_showTips"));
+    QVERIFY(showAtStart && showAtStart->isChecked());
+    QTest::mouseClick(showAtStart, Qt::LeftButton, Qt::NoModifier, QPoint(6, showAtStart->height() / 2));
+    QCOMPARE(env.setting(keys::ShowTips), QStringLiteral("0"));
+}
+
+void TestStartWindows::treePictures()
+{
+    // Every picture the tree names must load (the SVG plugin is there, the file parses) and
+    // draw something; a changed or read-only state must look different from the plain one.
+    const QString program = QStringLiteral(FENWORK_DATA_DIR);
+    auto image = [&](const QString &name) {
+        return pictureIcon(name, program).pixmap(16, 16).toImage().convertToFormat(QImage::Format_ARGB32);
+    };
+    const QStringList names { QStringLiteral("abcroot"), QStringLiteral("poub"), QStringLiteral("hdrfile"),
+        QStringLiteral("bdyfile"), QStringLiteral("fileabc"), QStringLiteral("fileabcm"),
+        QStringLiteral("filero"), QStringLiteral("filerom"), QStringLiteral("tune"), QStringLiteral("tunem"),
+        QStringLiteral("hdrtune"), QStringLiteral("bdytune"), QStringLiteral("include"),
+        QStringLiteral("chpetend"), QStringLiteral("rem"), QStringLiteral("part"), QStringLiteral("propr"),
+        QStringLiteral("voix"), QStringLiteral("mus"), QStringLiteral("noabc") };
+    for (const QString &name : names) {
+        const QImage img = image(name);
+        QVERIFY2(!img.isNull(), qPrintable(name));
+        int opaque = 0;
+        for (int y = 0; y < img.height(); ++y)
+            for (int x = 0; x < img.width(); ++x)
+                opaque += qAlpha(img.pixel(x, y)) > 128;
+        QVERIFY2(opaque > 20, qPrintable(name));
+    }
+    QVERIFY(image(QStringLiteral("fileabc")) != image(QStringLiteral("fileabcm")));
+    QVERIFY(image(QStringLiteral("fileabc")) != image(QStringLiteral("filero")));
+    QVERIFY(image(QStringLiteral("filero")) != image(QStringLiteral("filerom")));
+    QVERIFY(image(QStringLiteral("tune")) != image(QStringLiteral("tunem")));
+    QVERIFY(pictureIcon(QStringLiteral("nosuchpicture"), program).isNull());
+}
+
+FENWORK_TEST(TestStartWindows)
+#include "tst_startwindows.moc"

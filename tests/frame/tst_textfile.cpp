@@ -1,0 +1,215 @@
+#include "testmain.h"
+
+#include "frame/textfile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace fenwork;
+
+Q_DECLARE_METATYPE(fenwork::TextEncoding)
+
+namespace {
+
+QByteArray bytesOf(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
+}
+
+void writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    QCOMPARE(f.write(bytes), bytes.size());
+}
+
+} // namespace
+
+class TestTextFile : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+
+private slots:
+    void initTestCase() { QVERIFY(m_dir.isValid()); }
+
+    // Every row is read from a file and written back: the bytes must come out as they went in.
+    void roundTrip_data()
+    {
+        // clang-format off
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<TextEncoding>("encoding");
+        QTest::addColumn<QString>("text");
+
+        const auto utf8 = TextEncoding::Utf8;
+        const auto latin1 = TextEncoding::Latin1;
+        const QString nul(QChar(0));
+        const QByteArray longAscii(100, 'a');
+
+        QTest::newRow("ascii") << QByteArray("X:1\r\nT:Reel\r\n") << utf8 << QStringLiteral("X:1\r\nT:Reel\r\n");
+        QTest::newRow("empty") << QByteArray() << utf8 << QString();
+        QTest::newRow("utf-8") << QByteArray("T:Caf\xc3\xa9") << utf8 << QStringLiteral("T:Café");
+        QTest::newRow("utf-8 four bytes") << QByteArray("\xf0\x9f\x8e\xb5!") << utf8 << QStringLiteral("🎵!");
+        QTest::newRow("utf-8 across the 8-byte step") << QByteArray("abcdefg\xc3\xa9") << utf8 << QStringLiteral("abcdefgé");
+        QTest::newRow("bom kept") << QByteArray("\xef\xbb\xbfX:1") << utf8 << QStringLiteral("\ufeffX:1");
+        QTest::newRow("nul bytes") << QByteArray("a\0b\0", 4) << utf8 << (QStringLiteral("a") + nul + u'b' + nul);
+        QTest::newRow("latin-1") << QByteArray("T:Caf\xe9") << latin1 << QStringLiteral("T:Café");
+        QTest::newRow("latin-1 after long ascii") << (longAscii + "\xe9") << latin1 << QString::fromLatin1(longAscii + "\xe9");
+        QTest::newRow("latin-1 c1 range") << QByteArray("\x80\x9f") << latin1 << QStringLiteral("\u0080\u009f");
+        QTest::newRow("lone continuation") << QByteArray("a\x80") << latin1 << QStringLiteral("a\u0080");
+        QTest::newRow("cut sequence at end") << QByteArray("ab\xc3") << latin1 << QStringLiteral("abÃ");
+        QTest::newRow("cut sequence inside") << QByteArray("\xe2\x82z") << latin1 << QStringLiteral("â\u0082z");
+        QTest::newRow("overlong two bytes") << QByteArray("\xc0\xaf") << latin1 << QStringLiteral("À¯");
+        QTest::newRow("overlong three bytes") << QByteArray("\xe0\x80\xaf") << latin1 << QStringLiteral("à\u0080¯");
+        QTest::newRow("overlong four bytes") << QByteArray("\xf0\x80\x80\xaf") << latin1 << QStringLiteral("ð\u0080\u0080¯");
+        QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << latin1 << QStringLiteral("í\u00a0\u0080");
+        QTest::newRow("beyond U+10FFFF") << QByteArray("\xf4\x90\x80\x80") << latin1 << QStringLiteral("ô\u0090\u0080\u0080");
+        QTest::newRow("byte ff") << QByteArray("\xff") << latin1 << QStringLiteral("ÿ");
+        QTest::newRow("latin-1 with nul") << QByteArray("\xe9\0", 2) << latin1 << (QStringLiteral("é") + nul);
+        // clang-format on
+    }
+    void roundTrip()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(TextEncoding, encoding);
+        QFETCH(QString, text);
+
+        const QString path = m_dir.filePath(QStringLiteral("round.abc"));
+        writeBytes(path, bytes);
+        const TextFileResult read = readTextFile(path);
+        QVERIFY2(read.ok, qPrintable(read.error));
+        QCOMPARE(read.encoding, encoding);
+        QCOMPARE(read.text, text);
+
+        QFile::remove(path);
+        QString error;
+        QVERIFY(writeTextFile(path, read.text, read.encoding, &error));
+        QVERIFY(error.isEmpty());
+        QCOMPARE(bytesOf(path), bytes);
+    }
+
+    void encodeUnrepresentable()
+    {
+        QCOMPARE(encodeText(QStringLiteral("é€"), TextEncoding::Latin1), QByteArray("\xe9?"));
+        QCOMPARE(encodeText(QStringLiteral("é€"), TextEncoding::Utf8), QByteArray("\xc3\xa9\xe2\x82\xac"));
+    }
+
+    // A big file, invalid only in its very last byte, is still seen as Latin-1.
+    void bigFile()
+    {
+        QByteArray bytes;
+        const QByteArray line("|:GABc dedB|dedB dedB|c2ec B2dB|c2A2 A2BA:|\r\n");
+        bytes.reserve(5 * 1024 * 1024);
+        while (bytes.size() < 5 * 1024 * 1024)
+            bytes += line;
+        QCOMPARE(detectEncoding(bytes), TextEncoding::Utf8);
+        bytes += '\xe9';
+        const QString path = m_dir.filePath(QStringLiteral("big.abc"));
+        writeBytes(path, bytes);
+        const TextFileResult read = readTextFile(path);
+        QVERIFY(read.ok);
+        QCOMPARE(read.encoding, TextEncoding::Latin1);
+        QCOMPARE(read.text.size(), bytes.size());
+        QCOMPARE(read.text.back(), QChar(u'é'));
+    }
+
+    void readFailures_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("makeFolder");
+        QTest::newRow("missing") << "nothing-here.abc" << false;
+        QTest::newRow("folder") << "a-folder.abc" << true;
+        // clang-format on
+    }
+    void readFailures()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, makeFolder);
+        const QString path = m_dir.filePath(name);
+        if (makeFolder)
+            QVERIFY(QDir(m_dir.path()).mkpath(name));
+        const TextFileResult read = readTextFile(path);
+        QVERIFY(!read.ok);
+        QVERIFY(!read.error.isEmpty());
+        QVERIFY(read.text.isEmpty());
+    }
+
+    void readUnreadable()
+    {
+        if (::geteuid() == 0)
+            QSKIP("running as root: file permissions do not stop reading");
+        const QString path = m_dir.filePath(QStringLiteral("locked.abc"));
+        writeBytes(path, "X:1");
+        QVERIFY(QFile::setPermissions(path, QFileDevice::WriteOwner));
+        const TextFileResult read = readTextFile(path);
+        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(!read.ok);
+        QVERIFY(!read.error.isEmpty());
+    }
+
+    void writeReplaces()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("replace.abc"));
+        writeBytes(path, "old contents, longer than the new ones");
+        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Latin1));
+        QCOMPARE(bytesOf(path), QByteArray("n\xe9"));
+        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Utf8));
+        QCOMPARE(bytesOf(path), QByteArray("n\xc3\xa9"));
+        // Nothing but the file itself is left in the folder.
+        QCOMPARE(QDir(m_dir.path()).entryList({ QStringLiteral("replace*") }, QDir::Files | QDir::Hidden),
+            QStringList { QStringLiteral("replace.abc") });
+    }
+
+    void writeFailures_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("name");
+        QTest::newRow("folder missing") << "no-such-folder/x.abc";
+        QTest::newRow("target is a folder") << "target-folder";
+        QTest::newRow("parent is a file") << "plain-file/x.abc";
+        // clang-format on
+    }
+    void writeFailures()
+    {
+        QFETCH(QString, name);
+        QDir(m_dir.path()).mkpath(QStringLiteral("target-folder"));
+        writeBytes(m_dir.filePath(QStringLiteral("plain-file")), "keep me");
+        QString error;
+        QVERIFY(!writeTextFile(m_dir.filePath(name), QStringLiteral("X:1"), TextEncoding::Utf8, &error));
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(bytesOf(m_dir.filePath(QStringLiteral("plain-file"))), QByteArray("keep me"));
+        QVERIFY(QFileInfo(m_dir.filePath(QStringLiteral("target-folder"))).isDir());
+    }
+
+    void declaresLatin1_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("header");
+        QTest::addColumn<bool>("latin1");
+        QTest::newRow("iso-8859-1") << "%abc-2.1\r\n%%abc-charset iso-8859-1\r\n" << true;
+        QTest::newRow("upper case, spaced") << "%%abc-charset  ISO 8859-1" << true;
+        QTest::newRow("latin1") << "%%abc-charset Latin1" << true;
+        QTest::newRow("iso-8859-15") << "%%abc-charset iso-8859-15" << false;
+        QTest::newRow("latin9") << "%%abc-charset latin9" << false;
+        QTest::newRow("latin2") << "%%abc-charset latin2" << false;
+        QTest::newRow("utf-8") << "%%abc-charset utf-8" << false;
+        QTest::newRow("none") << "%abc-2.1\r\nT:x" << false;
+        // clang-format on
+    }
+    void declaresLatin1()
+    {
+        QFETCH(QString, header);
+        QFETCH(bool, latin1);
+        QCOMPARE(headerDeclaresLatin1(header), latin1);
+    }
+};
+
+FENWORK_TEST(TestTextFile)
+#include "tst_textfile.moc"

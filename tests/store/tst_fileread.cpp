@@ -1,0 +1,612 @@
+// Opening ABC files: line ends, the spelling rewrites, PostScript blocks, the backup copy,
+// encodings kept on save, and files that cannot be opened. Golden folders under data/ hold whole
+// files: input.abc (with any files it includes), expected.abc (what a save writes, the creator line
+// as "@CREATOR@") and tree.txt (the nodes below the file node).
+#include "testenv.h"
+#include "testmain.h"
+
+#include "frame/inifile.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/textfile.h"
+#include "store/recentfiles.h"
+#include "store/treeops.h"
+#include "store/tunestore.h"
+#include "store/workspacetree.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QTest>
+
+using namespace fenwork;
+
+namespace {
+
+QByteArray crlf(QByteArray text)
+{
+    return text.replace("\n", "\r\n");
+}
+
+QByteArray crlf(const QString &text)
+{
+    return crlf(text.toUtf8());
+}
+
+// A tune's lines after the first `skip` ones, joined by "\n".
+QString tuneLinesAfter(const QString &tuneText, int skip)
+{
+    QStringList lines = tuneText.split(CRLF);
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines.mid(skip).join(u'\n');
+}
+
+QString colorName(int color)
+{
+    return QStringLiteral("%1").arg(color, 6, 16, QLatin1Char('0'));
+}
+
+// One line per node: key, picture, text, and the colour when one is set.
+void dumpNode(const Node *node, int depth, const QString &creator, QStringList &out)
+{
+    QString text = node->Text;
+    text.replace(creator, QStringLiteral("@CREATOR@"));
+    QString line = QString(depth * 2, u' ') + node->Key + QStringLiteral(" | ") + node->imageName()
+                   + QStringLiteral(" | ") + text;
+    if (node->ForeColor != kDefaultColor)
+        line += QStringLiteral(" | #") + colorName(node->ForeColor);
+    out.append(line);
+    for (const Node *child : node->children())
+        dumpNode(child, depth + 1, creator, out);
+}
+
+QString dumpFile(AppContext &app, const QString &kFile)
+{
+    QStringList out;
+    if (const Node *file = app.tree().find(kFile))
+        for (const Node *child : file->children())
+            dumpNode(child, 0, app.creatorLine, out);
+    return out.join(u'\n');
+}
+
+// What a save writes, creator line replaced by a mark, CR LF as "\n".
+QString savedText(test::TestEnv &env, const QString &kFile)
+{
+    const QString target = env.path(QStringLiteral("out/saved.abc"));
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    if (!env.app().store().FichierSaveFromKey(kFile, target, QString()))
+        return QStringLiteral("<save failed>");
+    const QByteArray bytes = test::readBytes(target);
+    if (bytes.count('\r') != bytes.count("\r\n") || bytes.count('\n') != bytes.count("\r\n"))
+        return QStringLiteral("<a line end other than CR LF>");
+    QString text = QString::fromUtf8(bytes);
+    text.replace(env.app().creatorLine, QStringLiteral("@CREATOR@"));
+    return text.replace(CRLF, QStringLiteral("\n"));
+}
+
+// The tree holds nothing but the root and the trash box.
+bool treeIsBare(AppContext &app)
+{
+    return app.tree().root() && app.tree().root()->childCount() == 1;
+}
+
+} // namespace
+
+class TestFileRead : public QObject
+{
+    Q_OBJECT
+
+    QString open(test::TestEnv &env, const QByteArray &bytes, const QString &name = QStringLiteral("t.abc"))
+    {
+        createWorkspaceRoot(env.app());
+        const QString path = env.writeFile(name, bytes);
+        return env.app().store().FichierOuvrir(path, false, true, false);
+    }
+
+private slots:
+    // Every line-end convention, also mixed, reads as CR LF; a line end left at the end of the
+    // file changes nothing either.
+    void lineEnds_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        const QByteArray lines[] = {"%abc-2.1", "% head", "X:1", "T:A", "K:G", "abc|", "X:2", "T:B", "def|"};
+        const auto join = [&](const QList<QByteArray> &ends) {
+            QByteArray out;
+            for (int i = 0; i < 9; ++i)
+                out += lines[i] + ends.at(i % ends.size());
+            return out;
+        };
+        QTest::newRow("CR LF") << join({"\r\n"});
+        QTest::newRow("LF") << join({"\n"});
+        QTest::newRow("CR") << join({"\r"});
+        QTest::newRow("mixed") << join({"\r\n", "\n", "\r", "\n", "\r\n", "\r", "\r", "\n", "\r\n"});
+        QTest::newRow("no end at end") << join({"\n"}).chopped(1);
+        QTest::newRow("blank lines") << join({"\n\n", "\r\r", "\r\n\r\n"});
+    }
+    void lineEnds()
+    {
+        QFETCH(QByteArray, bytes);
+        test::TestEnv env;
+        const QString kFile = open(env, bytes);
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        QCOMPARE(savedText(env, kFile),
+                 QStringLiteral("%abc-2.1\n%%abc-alias none\n@CREATOR@\n% head\n\nX:1\nT:A\nK:G\nabc|\n\n"
+                                "X:2\nT:B\nK:C\ndef|\n\n\n"));
+    }
+
+    void emptyFile_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("blanks") << QByteArray("      ");
+        QTest::newRow("blanks and line ends") << QByteArray("   \r\n  \n \r   \r\n");
+        QTest::newRow("line ends") << QByteArray("\n\n\n");
+    }
+    void emptyFile()
+    {
+        QFETCH(QByteArray, bytes);
+        test::TestEnv env;
+        const QString kFile = open(env, bytes, QStringLiteral("empty.abc"));
+        QCOMPARE(env.ui().messages(),
+                 QStringList{env.path("empty.abc") + CRLF + CRLF + env.app().text("Msg", "<openFail>")});
+        QCOMPARE(kFile, QString());
+        QVERIFY(treeIsBare(env.app()));
+        QVERIFY(!env.ui().progress.visible);
+        QCOMPARE(env.ui().busyDepth, 0);
+    }
+
+    // The rewrites of bar lines, repeats and escapes, seen in a tune's lines after "X:1", "T:t".
+    void rewrites_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("blanks inside a bar line") << "K:C\nabc| |def|  |g||a" << "K:C\nabc||def||g||a";
+        QTest::newRow("first ending") << "K:C\nabc| 1 de:|" << "K:C\nabc|1 de:|";
+        QTest::newRow("second ending") << "K:C\nabc:| 2 de|" << "K:C\nabc:|2 de|";
+        QTest::newRow("| 2 untouched") << "K:C\nabc| 2 de|" << "K:C\nabc| 2 de|";
+        QTest::newRow("closed endings stay") << "K:C\n|1 abc :|2 def|" << "K:C\n|1 abc :|2 def|";
+        QTest::newRow(":: inside a line") << "K:C\n|: A B :: c d :|" << "K:C\n|: A B :: c d :|";
+        QTest::newRow(":: at a line end") << "K:C\n|: A B ::\nc d :|" << "K:C\n|: A B :|\n|:c d :|";
+        QTest::newRow(":|: at a line end") << "K:C\nA B :|:\nc d" << "K:C\nA B :|\n|:c d";
+        QTest::newRow(":||: at a line end") << "K:C\nA B :||:\nc d" << "K:C\nA B :|\n|:c d";
+        QTest::newRow(":|: inside a line") << "K:C\nA :|: B" << "K:C\nA :||: B";
+        QTest::newRow(":|: in a comment") << "K:C\n% A :|: B\nabc" << "K:C\n% A :||: B\nabc";
+        QTest::newRow("line beginning /") << "K:C\nabc\n/def\n/g\n  /h" << "K:C\nabc/def/g\n/h";
+        QTest::newRow("glued K") << "|:K:G\nabc|" << "K:G\n|:abc|";
+        QTest::newRow("glued T") << "K:C\nabc|\n|:T:Second\ndef|" << "K:C\nabc|\nT:Second\n|:def|";
+        QTest::newRow("glued inline field not caught") << "K:C\n|:[K:G] abc|" << "K:C\n|:[K:G] abc|";
+        QTest::newRow("blanks before a glued repeat") << "K:C\nabc\n   |:K:D\ndef" << "K:C\nabc\n|:K:D\ndef";
+        QTest::newRow("glued two word characters") << "K:C\n|:Kx:G\nabc" << "K:C\n|:Kx:G\nabc";
+        QTest::newRow("escapes") << R"(K:C
+w:\'e \`a \^o \~n \"u \oa \,c \/o \ss \ae \AE \'Y)"
+                                 << "K:C\nw:é à ô ñ ü å ç ø ß æ Æ Ý";
+        QTest::newRow("doubled backslash decodes") << R"(K:C
+w:\\'e a\\b)" << "K:C\nw:é a\\b";
+        QTest::newRow("escape in a comment") << R"(K:C
+% Caf\'e
+abc)" << "K:C\n% Café\nabc";
+    }
+    void rewrites()
+    {
+        QFETCH(QString, body);
+        QFETCH(QString, expected);
+        test::TestEnv env;
+        const QString kFile = open(env, crlf(QStringLiteral("X:1\nT:t\n") + body + u'\n'));
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        QCOMPARE(tuneLinesAfter(env.app().store().GetStringTune(kFile + "_tune1", false), 2), expected);
+    }
+
+    // A line that begins "@@" takes the place of a PostScript block that isn't there: the open fails.
+    void atLines_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("opens");
+        QTest::newRow("@@ without blocks") << crlf(QByteArray("X:1\nK:C\n@@ x\nabc\n")) << false;
+        QTest::newRow("@@ after a block")
+            << crlf(QByteArray("%%beginps\n/x 1 def\n%%endps\nX:1\nK:C\n@@@\nabc\n")) << false;
+        QTest::newRow("@@ before a block")
+            << crlf(QByteArray("@@ first\n%%beginps\n/x 1 def\n%%endps\nX:1\nK:C\nabc\n")) << false;
+        QTest::newRow("one @") << crlf(QByteArray("X:1\nK:C\n@x\nabc @@ d\n")) << true;
+    }
+    void atLines()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, opens);
+        test::TestEnv env;
+        const QString kFile = open(env, bytes);
+        QCOMPARE(!kFile.isEmpty(), opens);
+        QVERIFY(!env.ui().progress.visible);
+        QCOMPARE(env.ui().busyDepth, 0);
+        if (opens) {
+            QCOMPARE(env.ui().messages(), QStringList());
+            return;
+        }
+        QCOMPARE(env.ui().messages().size(), 1);
+        const QString prefix = QStringLiteral("Context: FichierOuvrir") + CRLF + CRLF;
+        QVERIFY2(env.ui().lastMessage().startsWith(prefix), qPrintable(env.ui().lastMessage()));
+        QVERIFY(env.ui().lastMessage().size() > prefix.size());
+        QVERIFY(treeIsBare(env.app()));
+        QVERIFY(!env.ui().exitCode.has_value());
+    }
+
+    // PostScript blocks are spared every rewrite; a block without its end is no block.
+    void postScript()
+    {
+        test::TestEnv env;
+        const QByteArray input = crlf(QByteArray(R"(%%beginps
+/bar { 0 0 moveto | 1 } def
+/x ::
+Caf\'e | |
+%%endps
+X:1
+K:C
+abc| 1 d
+%%beginps
+/y { | 1 } def
+%%endps
+e f
+%%beginps
+/z | 1 def
+)"));
+        const QString kFile = open(env, input);
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        QCOMPARE(savedText(env, kFile), QString::fromUtf8(R"(%abc
+%%abc-alias none
+@CREATOR@
+%%beginps
+/bar { 0 0 moveto | 1 } def
+/x ::
+Caf\'e | |
+%%endps
+
+X:1
+T:(untitled)
+K:C
+abc|1 d
+%%beginps
+/y { | 1 } def
+%%endps
+e f
+%%beginps/z |1 def
+
+
+)"));
+    }
+
+    void backup_data()
+    {
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<bool>("made");
+        QTest::newRow("on") << "1" << true;
+        QTest::newRow("off") << "0" << false;
+    }
+    // The backup holds the bytes as they were on disk, before any rewrite; an older one is replaced.
+    void backup()
+    {
+        QFETCH(QString, setting);
+        QFETCH(bool, made);
+        test::TestEnv env;
+        env.app().ini().set(keys::FichBak, setting);
+        const QByteArray bytes("X:1\nK:C\nabc| 1 d\\'e :|:\n");
+        const QString bak = env.writeFile("t.abc.BAK", "old copy");
+        const QString kFile = open(env, bytes);
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(test::readBytes(bak), made ? bytes : QByteArray("old copy"));
+        QCOMPARE(test::readBytes(env.path("t.abc")), bytes); // opening never writes the file
+        QCOMPARE(env.app().tree().find(kFile)->imageName(), QStringLiteral("fileabc"));
+        QStringList captions{"...", "Save BAK...", "Open...", "ABC-strings...", "Load...", "Build..."};
+        if (!made)
+            captions.removeOne("Save BAK...");
+        QCOMPARE(env.ui().captionHistory, captions);
+    }
+
+    // A path already open, in any case of letters, gives the open key: nothing is read again.
+    void alreadyOpen()
+    {
+        test::TestEnv env;
+        const QString kFile = open(env, crlf(QByteArray("X:1\nT:One\nK:C\nabc\n")), QStringLiteral("Tune.abc"));
+        QVERIFY(!kFile.isEmpty());
+        QFile::remove(env.path("Tune.abc.BAK"));
+        env.writeFile("Tune.abc", crlf(QByteArray("X:1\nT:One\nK:C\nabc\nX:2\nT:Two\nabc\n")));
+        const QString before = dumpFile(env.app(), kFile);
+        TuneStore &store = env.app().store();
+        QCOMPARE(store.FichierOuvrir(env.path("TUNE.ABC"), false, true, false), kFile);
+        QCOMPARE(store.FichierOuvrir(env.path("Tune.abc"), false, true, false), kFile);
+        QCOMPARE(dumpFile(env.app(), kFile), before);
+        QCOMPARE(env.app().tree().root()->childCount(), 2);
+        QVERIFY(!QFile::exists(env.path("Tune.abc.BAK")));
+        QCOMPARE(env.ui().messages(), QStringList());
+        QCOMPARE(env.app().recent().items().value(0), env.path("Tune.abc"));
+    }
+
+    // A file keeps its encoding on save; escapes in a plain ASCII file become UTF-8 letters unless
+    // the header asks for Latin-1.
+    void encodings_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("written");
+        QTest::addColumn<QByteArray>("notWritten");
+        QTest::newRow("Latin-1") << QByteArray("X:1\nT:Caf\xe9 \xe0 la cr\xe8me\nK:C\nabc\n")
+                                 << QByteArray("T:Caf\xe9 \xe0 la cr\xe8me\r\n") << QByteArray("\xc3");
+        QTest::newRow("Latin-1 with escapes") << QByteArray("X:1\nT:Caf\xe9 \\`a la cr\\`eme\nK:C\nabc\n")
+                                              << QByteArray("T:Caf\xe9 \xe0 la cr\xe8me\r\n") << QByteArray("\xc3");
+        QTest::newRow("UTF-8") << QByteArray("X:1\nT:Caf\xc3\xa9 \xc3\xa0 la cr\xc3\xa8me\nK:C\nabc\n")
+                               << QByteArray("T:Caf\xc3\xa9 \xc3\xa0 la cr\xc3\xa8me\r\n") << QByteArray("\xe9 ");
+        QTest::newRow("ASCII escapes") << QByteArray("X:1\nT:Caf\\'e \\`a la cr\\`eme\nK:C\nabc\n")
+                                       << QByteArray("T:Caf\xc3\xa9 \xc3\xa0 la cr\xc3\xa8me\r\n")
+                                       << QByteArray("\\'e");
+        QTest::newRow("ASCII escapes, Latin-1 declared")
+            << QByteArray("%%abc-charset iso-8859-1\nX:1\nT:Caf\\'e \\`a la cr\\`eme\nK:C\nabc\n")
+            << QByteArray("T:Caf\xe9 \xe0 la cr\xe8me\r\n") << QByteArray("\xc3");
+    }
+    void encodings()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, written);
+        QFETCH(QByteArray, notWritten);
+        test::TestEnv env;
+        const QString kFile = open(env, bytes);
+        QVERIFY(!kFile.isEmpty());
+        const Node *title = env.app().tree().find(kFile + "_tune1_hdrTune_lg1");
+        QVERIFY(title);
+        QCOMPARE(title->Text, QStringLiteral("T:Café à la crème"));
+        QCOMPARE(env.app().tree().find(kFile + "_tune1")->Text, QStringLiteral("[1]  Café à la crème"));
+        const QString out = env.path("out.abc");
+        QVERIFY(env.app().store().FichierSaveFromKey(kFile, out, QString()));
+        const QByteArray saved = test::readBytes(out);
+        QVERIFY2(saved.contains(written), saved.constData());
+        QVERIFY2(!saved.contains(notWritten), saved.constData());
+    }
+
+    // A header that asks for Latin-1 must not cost the letters Latin-1 lacks.
+    void declaredLatin1KeepsOtherLetters()
+    {
+        test::TestEnv env;
+        const QString kFile = open(env, QByteArray("%%abc-charset latin1\nX:1\nT:Dvo\xc5\x99\xc3\xa1k\nK:C\nabc\n"));
+        QVERIFY(!kFile.isEmpty());
+        const QString out = env.path("out.abc");
+        QVERIFY(env.app().store().FichierSaveFromKey(kFile, out, QString()));
+        const TextFileResult back = readTextFile(out);
+        QVERIFY(back.ok);
+        QVERIFY2(back.text.contains(QStringLiteral("T:Dvořák")), qPrintable(back.text));
+    }
+
+    // With ABCstr the letters go out as escapes, a backslash doubled.
+    void saveWithEscapes()
+    {
+        test::TestEnv env;
+        env.app().ini().set(keys::ABCstr, QStringLiteral("1"));
+        const QString kFile = open(env, QByteArray("X:1\nT:Caf\xc3\xa9 \xc3\x85se\nK:C\nw:C:\\a\nabc\n"));
+        QVERIFY(!kFile.isEmpty());
+        const QString out = env.path("out.abc");
+        QVERIFY(env.app().store().FichierSaveFromKey(kFile, out, QString()));
+        const QByteArray saved = test::readBytes(out);
+        QVERIFY2(saved.contains("T:Caf\\'e \\oAse\r\n"), saved.constData());
+        QVERIFY2(saved.contains("w:C:\\\\a\r\n"), saved.constData());
+    }
+
+    // A write that cannot be done leaves the target alone and says why.
+    void failingSave()
+    {
+        test::TestEnv env;
+        const QString kFile = open(env, QByteArray("X:1\nT:A\nK:C\nabc\n"));
+        QVERIFY(!kFile.isEmpty());
+        const QString blocked = env.path("t.abc/out.abc"); // below a file, not a folder
+        QString error;
+        QVERIFY(!env.app().store().FichierSaveFromKey(kFile, blocked, QString(), &error));
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        QVERIFY(!env.app().store().FichierSaveFromKey(kFile, blocked, QString()));
+        QCOMPARE(env.ui().messages().size(), 1);
+        QVERIFY(env.ui().lastMessage().startsWith(QStringLiteral("Context: ")));
+        QCOMPARE(test::readBytes(env.path("t.abc")), QByteArray("X:1\nT:A\nK:C\nabc\n"));
+        QVERIFY(!env.ui().progress.visible);
+        QCOMPARE(env.ui().busyDepth, 0);
+    }
+
+    // A UTF-8 file written with a byte order mark is still a tune file.
+    void byteOrderMark()
+    {
+        test::TestEnv env;
+        const QString kFile = open(env, QByteArray("\xef\xbb\xbfX:1\r\nT:Bom\r\nK:D\r\nabc\r\n"));
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        QVERIFY(env.app().tree().find(kFile + "_tune1"));
+    }
+
+    void saveLineEnds_data()
+    {
+        QTest::addColumn<QString>("lineEnd");
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("CR LF") << "" << QByteArray("\r\n");
+        QTest::newRow("anything else") << "dos" << QByteArray("\r\n");
+        QTest::newRow("LF") << "lf" << QByteArray("\n");
+        QTest::newRow("CR") << "cr" << QByteArray("\r");
+    }
+    // Every line end takes the chosen form but the very last, added by the write, which is CR LF.
+    void saveLineEnds()
+    {
+        QFETCH(QString, lineEnd);
+        QFETCH(QByteArray, end);
+        test::TestEnv env;
+        const QString kFile = open(env, QByteArray("%abc\n%%abc-alias Reels\nX:1\nT:A\nK:G\nabc\n"));
+        QVERIFY(!kFile.isEmpty());
+        const QString out = env.path("out.abc");
+        QVERIFY(env.app().store().FichierSaveFromKey(kFile, out, lineEnd));
+        QByteArray expected =
+            "%abc\n" + env.app().creatorLine.toUtf8() + "\n%%abc-alias Reels\n\nX:1\nT:A\nK:G\nabc\n\n";
+        expected.replace("\n", end);
+        QCOMPARE(test::readBytes(out), expected + "\r\n");
+    }
+
+    // Files that are no ABC text, or cannot be read: a clear message, no crash, nothing half made.
+    void unusableFiles_data()
+    {
+        QTest::addColumn<QString>("what");
+        QTest::newRow("missing") << "missing";
+        QTest::newRow("folder") << "folder";
+    }
+    void unusableFiles()
+    {
+        QFETCH(QString, what);
+        test::TestEnv env;
+        createWorkspaceRoot(env.app());
+        QString path = env.path("nothing.abc");
+        if (what == u"folder") {
+            path = env.path("folder.abc");
+            QVERIFY(QDir().mkpath(path));
+        }
+        QCOMPARE(env.app().store().FichierOuvrir(path, false, true, false), QString());
+        QCOMPARE(env.ui().messages().size(), 1);
+        const QString prefix = QStringLiteral("Context: FichierOuvrir") + CRLF + CRLF;
+        QVERIFY2(env.ui().lastMessage().startsWith(prefix), qPrintable(env.ui().lastMessage()));
+        QVERIFY(env.ui().lastMessage().size() > prefix.size());
+        QVERIFY(treeIsBare(env.app()));
+        QVERIFY(!env.ui().progress.visible);
+        QCOMPARE(env.ui().busyDepth, 0);
+        QVERIFY(env.app().recent().items().value(0).isEmpty());
+    }
+
+    void unreadableFile()
+    {
+        test::TestEnv env;
+        createWorkspaceRoot(env.app());
+        const QString path = env.writeFile("locked.abc", "X:1\nK:C\nabc\n");
+        QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions()));
+        {
+            QFile probe(path);
+            if (probe.open(QIODevice::ReadOnly)) {
+                QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+                QSKIP("this user reads files whatever their permissions (root)");
+            }
+        }
+        for (const QString &bak : {QStringLiteral("1"), QStringLiteral("0")}) {
+            env.ui().clear();
+            env.app().ini().set(keys::FichBak, bak);
+            QCOMPARE(env.app().store().FichierOuvrir(path, false, true, false), QString());
+            QCOMPARE(env.ui().messages().size(), 1);
+            QVERIFY2(env.ui().lastMessage().startsWith(QStringLiteral("Context: FichierOuvrir") + CRLF + CRLF),
+                     qPrintable(env.ui().lastMessage()));
+            QVERIFY(treeIsBare(env.app()));
+            QCOMPARE(env.ui().busyDepth, 0);
+        }
+        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+
+    // Bytes of no text at all, NUL among them.
+    void binaryFile()
+    {
+        test::TestEnv env;
+        QByteArray bytes("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
+        QRandomGenerator random(7);
+        for (int i = 0; i < 20000; ++i)
+            bytes.append(char(random.bounded(256)));
+        const QString kFile = open(env, bytes, QStringLiteral("picture.abc"));
+        QCOMPARE(env.ui().messages().size(), 1);
+        if (kFile.isEmpty()) {
+            QVERIFY(treeIsBare(env.app()));
+        } else {
+            QCOMPARE(env.ui().lastMessage(),
+                     env.path("picture.abc") + CRLF + CRLF + env.app().text("Msg", "<lackingX>"));
+            QVERIFY(env.app().tree().find(kFile + "_bdyFile"));
+        }
+        QCOMPARE(env.ui().busyDepth, 0);
+        QVERIFY(!env.ui().progress.visible);
+    }
+
+    // One line of a megabyte, inside a tune and as a whole file with no tune.
+    void longLine()
+    {
+        test::TestEnv env;
+        QByteArray music;
+        while (music.size() < 1024 * 1024)
+            music += "abcd efga|";
+        const QString kFile = open(env, "X:1\r\nT:Long\r\nK:C\r\n" + music + "\r\n");
+        QVERIFY(!kFile.isEmpty());
+        const Node *line = env.app().tree().find(kFile + "_tune1_bdyTune_lg3");
+        QVERIFY(line);
+        QCOMPARE(line->Text.size(), music.size());
+        QCOMPARE(env.app().store().GetStringTune(kFile + "_tune1", false).size(),
+                 qsizetype(QByteArray("X:1\r\nT:Long\r\nK:C\r\n").size() + music.size() + 2));
+
+        test::TestEnv env2;
+        const QString kOther = open(env2, music, QStringLiteral("one.abc"));
+        QVERIFY(!kOther.isEmpty());
+        QCOMPARE(env2.ui().lastMessage(), env2.path("one.abc") + CRLF + CRLF + env2.app().text("Msg", "<lackingX>"));
+        QCOMPARE(env2.app().tree().find(kOther + "_hdrFile_lg1")->Text.size(), music.size());
+    }
+
+    // Some fifty megabytes of tunes with long lines: all of them arrive, the last one whole.
+    void largeFile()
+    {
+        test::TestEnv env;
+        QByteArray music;
+        for (int i = 0; i < 20; ++i)
+            music += "\"D\"d2fd Adfd|\"G\"g2bg \"A\"a2fa|\"D\"d2fd Adfd|\"G\"gfed \"A\"cABc|";
+        const QByteArray tune = "T:Reel number %1\nR:reel\nM:4/4\nL:1/8\nK:D\n|:" + music + ":|\n"
+                                "|: fd | 1 \"G\"B2 B2 \"A\"A4 | \"D\" defg a4 :|2 \"Bm\"b2ag \"A\"f2e2|" + music
+                                + "\"D\"d6|]\n% Caf\\'e :|: x\n\n";
+        QByteArray bytes = "%abc-2.1\n%%abc-alias Big\n";
+        bytes.reserve(52 * 1024 * 1024);
+        int count = 0;
+        while (bytes.size() < 50 * 1024 * 1024) {
+            ++count;
+            const QByteArray number = QByteArray::number(count);
+            bytes += "X:" + number + "\n" + QByteArray(tune).replace("%1", number);
+        }
+        const QString kFile = open(env, bytes, QStringLiteral("big.abc"));
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        const Node *body = env.app().tree().find(kFile + "_bdyFile");
+        QCOMPARE(body->childCount(), count);
+        const QString last = kFile + "_tune" + QString::number(count);
+        QCOMPARE(env.app().tree().find(last)->Text, QStringLiteral("[%1]  Reel number %1").arg(count));
+        const QString text = env.app().store().GetStringTune(last, false);
+        QVERIFY(text.contains(QStringLiteral("|: fd |1 \"G\"B2")));
+        QVERIFY(text.contains(QStringLiteral("% Café :||: x")));
+    }
+
+    void golden_data()
+    {
+        QTest::addColumn<QString>("folder");
+        const QDir data(test::testDataDir() + QStringLiteral("/store/data"));
+        const QStringList cases = data.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+        QVERIFY(!cases.isEmpty());
+        for (const QString &name : cases)
+            QTest::newRow(qPrintable(name)) << data.filePath(name);
+    }
+    // Each case folder is copied beside a fresh user root, so that the backup and the includes stay there.
+    void golden()
+    {
+        QFETCH(QString, folder);
+        test::TestEnv env;
+        createWorkspaceRoot(env.app());
+        const QDir source(folder);
+        for (const QString &name : source.entryList(QDir::Files)) {
+            if (name != u"expected.abc" && name != u"tree.txt")
+                env.writeFile(name, test::readBytes(source.filePath(name)));
+        }
+        const QString kFile = env.app().store().FichierOuvrir(env.path("input.abc"), false, true, false);
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages(), QStringList());
+        const auto expected = [&](const QString &name) {
+            QString text = QString::fromUtf8(test::readBytes(source.filePath(name)));
+            text.replace(CRLF, QStringLiteral("\n"));
+            return text;
+        };
+        if (source.exists(QStringLiteral("tree.txt")))
+            QCOMPARE(dumpFile(env.app(), kFile) + u'\n', expected(QStringLiteral("tree.txt")));
+        if (source.exists(QStringLiteral("expected.abc"))) {
+            const QString saved = savedText(env, kFile);
+            QCOMPARE(saved, expected(QStringLiteral("expected.abc")));
+        }
+    }
+};
+
+FENWORK_TEST(TestFileRead)
+#include "tst_fileread.moc"

@@ -1,0 +1,506 @@
+// Building a tune: the split into tune header and body, the T: and K: lines supplied and cleaned,
+// captions, line keys, the three ways of placing a tune, includes, and the tune's text read back.
+#include "testenv.h"
+#include "testmain.h"
+
+#include "frame/strutil.h"
+#include "store/treeops.h"
+#include "store/tunestore.h"
+#include "store/workspacetree.h"
+
+#include <QDir>
+#include <QTest>
+
+using namespace fenwork;
+
+namespace {
+
+QString crlf(QString text)
+{
+    return text.replace(u'\n', CRLF);
+}
+
+QString lf(QString text)
+{
+    return text.replace(CRLF, QStringLiteral("\n"));
+}
+
+// The lines below a tune as "<key ending> <picture> <text>", the ending taken after the tune key.
+QString tuneDump(const AppContext &app, const QString &kTune)
+{
+    const Node *tune = app.tree().find(kTune);
+    if (!tune)
+        return QStringLiteral("<no tune>");
+    QStringList out;
+    for (const Node *part : tune->children())
+        for (const Node *line : part->children())
+            out << line->Key.mid(kTune.size()) + u' ' + line->imageName() + u' ' + line->Text;
+    return out.join(u'\n');
+}
+
+// Included lines as "<key ending after the include line> <picture> <text> #<colour>".
+QString includedDump(const AppContext &app, const QString &includeKey)
+{
+    const Node *include = app.tree().find(includeKey);
+    if (!include)
+        return QStringLiteral("<no include line>");
+    QStringList out;
+    for (const Node *sibling : include->parent()->children()) {
+        if (sibling != include && sibling->Key.startsWith(includeKey))
+            out << sibling->Key.mid(includeKey.size()) + u' ' + sibling->imageName() + u' ' + sibling->Text + " #"
+                       + QString::number(sibling->ForeColor, 16);
+    }
+    return out.join(u'\n');
+}
+
+} // namespace
+
+class TestTuneBuild : public QObject
+{
+    Q_OBJECT
+
+    // A file "t.abc" of one tune, beside which the tests put the files they include.
+    QString openBase(test::TestEnv &env, const QString &text = QStringLiteral("X:1\nT:first\nK:C\nabc\nw:old\n"))
+    {
+        createWorkspaceRoot(env.app());
+        const QString path = env.writeFile(QStringLiteral("t.abc"), crlf(text).toUtf8());
+        return env.app().store().FichierOuvrir(path, false, true, false);
+    }
+
+private slots:
+    void headerAndBody_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("K: only") << "X:1\nK:g\nabc"
+                                 << "_hdrTune_lg2 propr T:(untitled)\n_hdrTune_lg1 propr K:G\n_bdyTune_lg3 mus abc"
+                                 << "[1] (untitled)";
+        QTest::newRow("music only") << "X:1\nabc"
+                                    << "_hdrTune_lg1 propr T:(untitled)\n_hdrTune_lg2 propr K:C\n_bdyTune_lg3 mus abc"
+                                    << "[1] (untitled)";
+        QTest::newRow("title only") << "X:1\nT:A\nabc"
+                                    << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:C\n_bdyTune_lg3 mus abc"
+                                    << "[1]  A";
+        QTest::newRow("nothing to supply") << "X:1\n% c\nT:A\nK:D\nabc"
+                                           << "_hdrTune_lg1 rem % c\n_hdrTune_lg2 propr T:A\n_hdrTune_lg3 propr K:D\n"
+                                              "_bdyTune_lg4 mus abc"
+                                           << "[1]  A";
+        QTest::newRow("supplied title goes first") << "X:1\n% c\nabc"
+                                                   << "_hdrTune_lg2 propr T:(untitled)\n_hdrTune_lg1 rem % c\n"
+                                                      "_hdrTune_lg3 propr K:C\n_bdyTune_lg4 mus abc"
+                                                   << "[1] (untitled)";
+        QTest::newRow("header lines only") << "X:1\nT:A\n% only" << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 rem % only"
+                                           << "[1]  A";
+        QTest::newRow("blank lines") << "X:1\n\n  T:A  \n   \n\nK:G\n\nabc  "
+                                     << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:G\n_bdyTune_lg3 mus abc"
+                                     << "[1]  A";
+        QTest::newRow("P:A opens the body")
+            << "X:1\nP:A\nabc"
+            << "_hdrTune_lg1 propr T:(untitled)\n_hdrTune_lg2 propr K:C\n_bdyTune_lg3 part P:A\n_bdyTune_lg4 mus abc"
+            << "[1] (untitled)";
+        QTest::newRow("P:ABAB stays in the header") << "X:1\nT:A\nP:ABAB\nK:G\nabc"
+                                                    << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr P:ABAB\n"
+                                                       "_hdrTune_lg3 propr K:G\n_bdyTune_lg4 mus abc"
+                                                    << "[1]  A";
+        QTest::newRow("voices") << "X:1\nT:A\nK:G\nV:1\nabc\nV:2\ndef"
+                                << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:G\n_hdrTune_lg3 voix V:1\n"
+                                   "_bdyTune_lg4 mus abc\n_bdyTune_lg5 voix V:2\n_bdyTune_lg6 mus def"
+                                << "[1]  A";
+        QTest::newRow("fields after music") << "X:1\nT:A\nK:G\nabc\nw:la la\nK:d"
+                                            << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:G\n_bdyTune_lg3 mus abc\n"
+                                               "_bdyTune_lg4 propr w:la la\n_bdyTune_lg5 propr K:D"
+                                            << "[1]  A";
+        QTest::newRow("title after music") << "X:1\nK:G\nabc\nT:Part two"
+                                           << "_hdrTune_lg2 propr T:(untitled)\n_hdrTune_lg1 propr K:G\n"
+                                              "_bdyTune_lg3 mus abc\n_bdyTune_lg4 propr T:Part two"
+                                           << "[1]  Part two";
+        QTest::newRow("PostScript lines are plain lines")
+            << "X:1\nT:A\nK:C\n%%beginps\n/x 1 def\n%%endps\nabc"
+            << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:C\n_hdrTune_lg3 chpetend %%beginps\n"
+               "_bdyTune_lg4 mus /x 1 def\n_bdyTune_lg5 chpetend %%endps\n_bdyTune_lg6 mus abc"
+            << "[1]  A";
+        QTest::newRow("trash markers") << "X:1\n%~~~EX~~~ _file3\n%~~~LE~~~ 12\nT:A\nK:C\nabc"
+                                       << "_hdrTune_lgex rem %~~~EX~~~ _file3\n_hdrTune_lgle rem %~~~LE~~~ 12\n"
+                                          "_hdrTune_lg3 propr T:A\n_hdrTune_lg4 propr K:C\n_bdyTune_lg5 mus abc"
+                                       << "[1]  A";
+        QTest::newRow("digit before a colon is music") << "X:1\nT:A\nK:C\n1:2 abc"
+                                                       << "_hdrTune_lg1 propr T:A\n_hdrTune_lg2 propr K:C\n"
+                                                          "_bdyTune_lg3 mus 1:2 abc"
+                                                       << "[1]  A";
+    }
+    void headerAndBody()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        QFETCH(QString, caption);
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        const QString kTune = env.app().store().AddStringTune(crlf(text), kFile);
+        QCOMPARE(kTune, kFile + "_tune2");
+        QCOMPARE(tuneDump(env.app(), kTune), expected);
+        const Node *tune = env.app().tree().find(kTune);
+        QCOMPARE(tune->Text, caption);
+        QCOMPARE(tune->childCount(), expected.contains(QStringLiteral("_bdyTune")) ? 2 : 1);
+        QCOMPARE(env.ui().messages(), QStringList());
+    }
+
+    void tuneNodes()
+    {
+        test::TestEnv env;
+        AppContext &app = env.app();
+        const QString kFile = openBase(env);
+        const Node *tune = app.tree().find(kFile + "_tune1");
+        QCOMPARE(tune->imageName(), QStringLiteral("tune"));
+        QCOMPARE(tune->ForeColor, 0);
+        QVERIFY(tune->Bold);
+        QVERIFY(!tune->Expanded);
+        const Node *header = tune->child(0);
+        QCOMPARE(header->Key, kFile + "_tune1_hdrTune");
+        QCOMPARE(header->Text, app.text("MainForm", "<tuneHeader>"));
+        QCOMPARE(header->imageName(), QStringLiteral("hdrtune"));
+        QVERIFY(header->Expanded);
+        const Node *body = tune->child(1);
+        QCOMPARE(body->Key, kFile + "_tune1_bdyTune");
+        QCOMPARE(body->Text, app.text("MainForm", "<tuneBody>"));
+        QCOMPARE(body->imageName(), QStringLiteral("bdytune"));
+        QVERIFY(body->Expanded);
+        QVERIFY(!body->child(0)->Expanded);
+
+        // In the trash box a tune has its own colour.
+        const QString kTrash = app.store().AddStringTune(crlf("X:4\nT:Gone\nK:C\nabc\n"), key::Trash, true);
+        QCOMPARE(kTrash, QStringLiteral("_file0_tune1"));
+        QCOMPARE(app.tree().find(kTrash)->ForeColor, 11191466);
+    }
+
+    void keyLine_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("lower key") << "K:g" << "K:G";
+        QTest::newRow("blank and mode") << "K: d dor" << "K:D dor";
+        QTest::newRow("blanks around") << "K:   e min  " << "K:E min";
+        QTest::newRow("flat") << "K:bb" << "K:Bb";
+        QTest::newRow("clef") << "K:clef=bass" << "K:clef=bass";
+        QTest::newRow("percussion") << "K:perc" << "K:perc";
+        QTest::newRow("empty") << "K:" << "K:";
+        QTest::newRow("blanks only") << "K:    " << "K:";
+    }
+    void keyLine()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, expected);
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        const QString kTune = env.app().store().AddStringTune(crlf("X:2\nT:t\n" + line + "\nabc\n"), kFile);
+        const Node *node = env.app().tree().find(kTune + "_hdrTune_lg2");
+        QVERIFY(node);
+        QCOMPARE(node->Text, expected);
+        QCOMPARE(env.app().tree().find(kTune + "_hdrTune")->childCount(), 2); // no K:C supplied
+    }
+
+    // The caption: the X value as written, then the first title without its comment.
+    void caption_data()
+    {
+        QTest::addColumn<QString>("xLine");
+        QTest::addColumn<QString>("lines");
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<QString>("writtenX");
+        QTest::newRow("comment in the title") << "X:3" << "T:The Reel % note" << "[3]  The Reel" << "X:3";
+        QTest::newRow("last % counts") << "X:3" << "T:a % b % c" << "[3]  a % b" << "X:3";
+        QTest::newRow("empty title") << "X:3" << "T:" << "[3]  " << "X:3";
+        QTest::newRow("leading blanks") << "X:3" << "T:    Spaced out" << "[3]  Spaced out" << "X:3";
+        QTest::newRow("second title ignored") << "X:3" << "T:One\nT:Two" << "[3]  One" << "X:3";
+        QTest::newRow("no title") << "X:3" << "K:G" << "[3] (untitled)" << "X:3";
+        QTest::newRow("X with a comment") << "X: 12   % old" << "T:A" << "[12 % old]  A" << "X:12 % old";
+        QTest::newRow("X of words") << "  X:  a   b  " << "T:Title" << "[a b]  Title" << "X:a b";
+        QTest::newRow("empty X") << "X:" << "T:A" << "[]  A" << "X:";
+    }
+    void caption()
+    {
+        QFETCH(QString, xLine);
+        QFETCH(QString, lines);
+        QFETCH(QString, caption);
+        QFETCH(QString, writtenX);
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        const QString kTune = env.app().store().AddStringTune(crlf(xLine + "\n" + lines + "\nabc\n"), kFile);
+        QCOMPARE(env.app().tree().find(kTune)->Text, caption);
+        const QString text = env.app().store().GetStringTune(kTune, false);
+        QCOMPARE(text.left(text.indexOf(CRLF)), writtenX);
+        if (lines.startsWith(u"T:"))
+            QCOMPARE(env.app().tree().find(kTune + "_hdrTune_lg1")->Text, lines.section(u'\n', 0, 0));
+    }
+
+    // ":|:" becomes ":||:" everywhere in the tune, comments too, and the caller's text says so.
+    void repeatSign()
+    {
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        QString text = crlf("X:2\nT:A :|: B\nK:C\n% a :|: b\nabc :|: def :||: g\n");
+        QString wanted;
+        const QString kTune = env.app().store().AddStringTune(text, kFile, false, {}, false, wanted);
+        QCOMPARE(text, crlf("X:2\nT:A :||: B\nK:C\n% a :||: b\nabc :||: def :||: g\n"));
+        QCOMPARE(lf(env.app().store().GetStringTune(kTune, false)), text.replace(CRLF, QStringLiteral("\n")));
+        QCOMPARE(env.app().tree().find(kTune)->Text, QStringLiteral("[2]  A :||: B"));
+    }
+
+    // A second "%~~~EX~~~" line repeats a key: the tune stops there, with what it had.
+    void repeatedMarker()
+    {
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        const QString kTune =
+            env.app().store().AddStringTune(crlf("X:2\n%~~~EX~~~ a\n%~~~EX~~~ b\nT:A\nabc\n"), kFile);
+        QCOMPARE(kTune, QString());
+        QCOMPARE(env.ui().messages().size(), 1);
+        const QString prefix = QStringLiteral("Context: AddStringTune") + CRLF + CRLF;
+        QVERIFY2(env.ui().lastMessage().startsWith(prefix), qPrintable(env.ui().lastMessage()));
+        QVERIFY(env.ui().lastMessage().size() > prefix.size());
+        QCOMPARE(tuneDump(env.app(), kFile + "_tune2"), QStringLiteral("_hdrTune_lgex rem %~~~EX~~~ a"));
+    }
+
+    // A bad marker in one tune of a file doesn't stop the others.
+    void badTuneInFile()
+    {
+        test::TestEnv env;
+        const QString kFile = openBase(env, "X:1\n%~~~LE~~~\n%~~~LE~~~\nabc\nX:2\nT:B\nabc\n");
+        QVERIFY(!kFile.isEmpty());
+        QCOMPARE(env.ui().messages().size(), 1);
+        QVERIFY(env.ui().lastMessage().startsWith(QStringLiteral("Context: AddStringTune")));
+        QCOMPARE(env.app().tree().find(kFile + "_tune2")->Text, QStringLiteral("[2]  B"));
+    }
+
+    void placing()
+    {
+        test::TestEnv env;
+        AppContext &app = env.app();
+        TuneStore &store = app.store();
+        const QString kFile = openBase(env);
+        const Node *body = app.tree().find(kFile + "_bdyFile");
+
+        // Before another tune: the first free key, placed in front of it.
+        const QString before =
+            store.AddStringTune(crlf("X:9\nT:Before\nabc\n"), kFile, false, kFile + "_tune1", true);
+        QCOMPARE(before, kFile + "_tune2");
+        QCOMPARE(body->child(0)->Key, before);
+        QCOMPARE(body->child(1)->Key, kFile + "_tune1");
+
+        // A wanted key: taken when free, refused (and cleared) when not.
+        QString text = crlf("X:10\nT:Wanted\nabc\n");
+        QString wanted = kFile + "_tune7";
+        QCOMPARE(store.AddStringTune(text, kFile, false, {}, false, wanted), kFile + "_tune7");
+        QCOMPARE(wanted, kFile + "_tune7");
+        wanted = kFile + "_tune1";
+        QCOMPARE(store.AddStringTune(text, kFile, false, {}, false, wanted), kFile + "_tune3");
+        QCOMPARE(wanted, QString());
+        QCOMPARE(body->lastChild()->Key, kFile + "_tune3");
+
+        // Rewriting keeps the node, its key, place, picture and colour; its lines are all new.
+        Node *first = app.tree().find(kFile + "_tune1");
+        app.tree().setImage(first, Pic::TuneM);
+        app.tree().setForeColor(first, 0xDCDCDC);
+        QVERIFY(app.tree().find(kFile + "_tune1_bdyTune_lg4"));
+        QCOMPARE(store.AddStringTune(crlf("X:7\nT:New\nK:d\nfed\n"), kFile, false, kFile + "_tune1", false),
+                 kFile + "_tune1");
+        QCOMPARE(app.tree().find(kFile + "_tune1"), first);
+        QCOMPARE(first->row(), 1);
+        QCOMPARE(first->imageName(), QStringLiteral("tunem"));
+        QCOMPARE(first->ForeColor, 0xDCDCDC);
+        QCOMPARE(first->Text, QStringLiteral("[7]  New"));
+        QCOMPARE(tuneDump(app, first->Key),
+                 QStringLiteral("_hdrTune_lg1 propr T:New\n_hdrTune_lg2 propr K:D\n_bdyTune_lg3 mus fed"));
+        QVERIFY(!app.tree().find(kFile + "_tune1_bdyTune_lg4"));
+        QCOMPARE(body->childCount(), 4);
+
+        // Rewriting a tune that isn't there adds nothing.
+        QCOMPARE(store.AddStringTune(crlf("X:8\nabc\n"), kFile, false, kFile + "_tune99", false), QString());
+        QCOMPARE(body->childCount(), 4);
+    }
+
+    void getStringTune_data()
+    {
+        QTest::addColumn<int>("xNumber");
+        QTest::addColumn<QString>("firstLine");
+        QTest::newRow("kept") << 0 << "X:12 % old";
+        QTest::newRow("below 1 keeps") << -3 << "X:12 % old";
+        QTest::newRow("renumbered") << 5 << "X:5";
+    }
+    void getStringTune()
+    {
+        QFETCH(int, xNumber);
+        QFETCH(QString, firstLine);
+        test::TestEnv env;
+        const QString kFile = openBase(env);
+        const QString kTune = env.app().store().AddStringTune(crlf("X: 12 % old\nT:A\n\nK:G\n  abc  \nw:x\n"), kFile);
+        QCOMPARE(env.app().store().GetStringTune(kTune, false, xNumber), crlf(firstLine + "\nT:A\nK:G\nabc\nw:x\n"));
+    }
+
+    // Included lines: blue, keyed after their include line, untrimmed, read as they are.
+    void includedLines_data()
+    {
+        QTest::addColumn<QByteArray>("ends");
+        QTest::newRow("CR LF") << QByteArray("\r\n");
+        QTest::newRow("CR") << QByteArray("\r");
+        QTest::newRow("LF") << QByteArray("\n");
+    }
+    void includedLines()
+    {
+        QFETCH(QByteArray, ends);
+        test::TestEnv env;
+        QByteArray included = "%%pagewidth 21cm\n  %%indented stays\n   \n\n%%beginps\n/x 1 def\n%%endps\n"
+                              "%%abc-include other.abc\nT:Caf\\'e :|:\nP:A\n";
+        env.writeFile("inc.abc", included.replace("\n", ends));
+        env.writeFile("other.abc", "T:never read\r\n");
+        const QString kFile = openBase(env);
+        const QString kTune =
+            env.app().store().AddStringTune(crlf("X:2\nT:A\n%%abc-include inc.abc\nK:G\nabc\n"), kFile);
+        const QString include = kTune + "_hdrTune_lg2";
+        QCOMPARE(env.app().tree().find(include)->imageName(), QStringLiteral("include"));
+        QCOMPARE(includedDump(env.app(), include),
+                 QStringLiteral("_inclg1 chpetend %%pagewidth 21cm #ff0000\n"
+                                "_inclg2 chpetend   %%indented stays #ff0000\n"
+                                "_inclg3 mus     #ff0000\n"
+                                "_inclg4 chpetend %%beginps #ff0000\n"
+                                "_inclg5 noabc /x 1 def #ff0000\n"
+                                "_inclg6 chpetend %%endps #ff0000\n"
+                                "_inclg7 include %%abc-include other.abc #ff0000\n"
+                                "_inclg8 propr T:Caf\\'e :|: #ff0000\n"
+                                "_inclg9 part P:A #ff0000"));
+        // The included P:A is no line of the tune: the header goes on after it.
+        const Node *header = env.app().tree().find(kTune + "_hdrTune");
+        QCOMPARE(header->lastChild()->Text, QStringLiteral("K:G"));
+        QVERIFY(header->Expanded);
+        QCOMPARE(env.ui().messages(), QStringList());
+    }
+
+    void includeNames_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("found");
+        QTest::newRow("plain") << "%%abc-include inc.abc" << true;
+        QTest::newRow("quoted") << "%%abc-include \"inc.abc\"" << true;
+        QTest::newRow("blanks") << "  %%abc-include    inc.abc   " << true;
+        QTest::newRow("any case") << "%%ABC-Include inc.abc" << true;
+        QTest::newRow("full path") << "%%abc-include @DIR@/sub/deep.abc" << true;
+        QTest::newRow("missing") << "%%abc-include nothing.abc" << false;
+        QTest::newRow("a folder") << "%%abc-include sub" << false;
+    }
+    void includeNames()
+    {
+        QFETCH(QString, line);
+        QFETCH(bool, found);
+        test::TestEnv env;
+        env.writeFile("inc.abc", "T:included\r\n");
+        env.writeFile("sub/deep.abc", "T:included\r\n");
+        const QString kFile = openBase(env);
+        line.replace(QStringLiteral("@DIR@"), env.path("").chopped(1));
+        const QString kTune = env.app().store().AddStringTune(crlf("X:2\nT:A\n" + line + "\nK:G\nabc\n"), kFile);
+        const QString include = kTune + "_hdrTune_lg2";
+        if (found) {
+            QCOMPARE(includedDump(env.app(), include), QStringLiteral("_inclg1 propr T:included #ff0000"));
+        } else {
+            QCOMPARE(includedDump(env.app(), include),
+                     QStringLiteral("_err noabc % !!! ERR !!! : file not found #b0b0ff"));
+        }
+        QCOMPARE(env.ui().messages(), QStringList());
+    }
+
+    // What GetStringTune gives of a tune with includes: in the header, the include line or the
+    // lines it reads; in the body, both, whatever is asked. The failed include is a plain line.
+    void includesReadBack_data()
+    {
+        QTest::addColumn<bool>("expand");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("as stored") << false
+                                   << "X:2\nT:A\n%%abc-include inc.abc\n%%abc-include gone.abc\n"
+                                      "% !!! ERR !!! : file not found\nK:G\nabc\n"
+                                      "%%abc-include inc.abc\nw:one\nw:two\n";
+        QTest::newRow("for a tool") << true
+                                    << "X:2\nT:A\nw:one\nw:two\n% !!! ERR !!! : file not found\nK:G\nabc\n"
+                                       "%%abc-include inc.abc\nw:one\nw:two\n";
+    }
+    void includesReadBack()
+    {
+        QFETCH(bool, expand);
+        QFETCH(QString, expected);
+        test::TestEnv env;
+        env.writeFile("inc.abc", "w:one\r\nw:two\r\n");
+        const QString kFile = openBase(env);
+        const QString text =
+            crlf("X:2\nT:A\n%%abc-include inc.abc\n%%abc-include gone.abc\nK:G\nabc\n%%abc-include inc.abc\n");
+        const QString kTune = env.app().store().AddStringTune(text, kFile);
+        QCOMPARE(lf(env.app().store().GetStringTune(kTune, expand)), expected);
+        QCOMPARE(env.app().tree().find(kTune + "_hdrTune_lg3_err")->ForeColor, 0xB0B0FF);
+    }
+
+    // The file header reads back the same way as a tune header.
+    void headerIncludesReadBack()
+    {
+        test::TestEnv env;
+        env.writeFile("hdr.abc", "%%scale 0.8\r\n");
+        const QString kFile = openBase(env, "%abc\n%%abc-include hdr.abc\n%%abc-include gone.abc\nX:1\nT:A\nabc\n");
+        const QString creator = env.app().creatorLine;
+        const TuneStore &store = env.app().store();
+        QCOMPARE(lf(store.GetStringHdrFile(kFile, false)),
+                 "%abc\n%%abc-alias none\n" + creator + "\n%%abc-include hdr.abc\n%%abc-include gone.abc\n"
+                 "% !!! ERR !!! : file not found\n");
+        QCOMPARE(lf(store.GetStringHdrFile(kFile, true)),
+                 "%abc\n%%abc-alias none\n" + creator + "\n%%scale 0.8\n% !!! ERR !!! : file not found\n");
+        QCOMPARE(lf(store.GetStringFile(kFile, false, true)),
+                 "%abc\n%%abc-alias none\n" + creator + "\n%%scale 0.8\n% !!! ERR !!! : file not found\n\n"
+                 "X:1\nT:A\nK:C\nabc\n\n");
+        QCOMPARE(lf(store.GetStringFile(kFile, true, false)), QStringLiteral("X:1\nT:A\nK:C\nabc\n\n"));
+        QVERIFY(env.app().tree().find(kFile + "_hdrFile")->Expanded);
+    }
+
+    // A file that includes itself shows its own lines once and goes no deeper.
+    void selfInclude()
+    {
+        test::TestEnv env;
+        const QString kFile =
+            openBase(env, QStringLiteral("%abc\n%%abc-include t.abc\nX:1\nT:Self\n%%abc-include t.abc\nK:C\nabc\n"));
+        const QString expected = QStringLiteral("_inclg1 rem %abc #ff0000\n"
+                                                "_inclg2 include %%abc-include t.abc #ff0000\n"
+                                                "_inclg3 propr X:1 #ff0000\n"
+                                                "_inclg4 propr T:Self #ff0000\n"
+                                                "_inclg5 include %%abc-include t.abc #ff0000\n"
+                                                "_inclg6 propr K:C #ff0000\n"
+                                                "_inclg7 mus abc #ff0000");
+        QCOMPARE(includedDump(env.app(), kFile + "_hdrFile_lg2"), expected);
+        QCOMPARE(includedDump(env.app(), kFile + "_tune1_hdrTune_lg2"), expected);
+        QCOMPARE(env.ui().messages(), QStringList());
+    }
+
+    // No includes followed when asked not to (the trash box).
+    void noInclude()
+    {
+        test::TestEnv env;
+        env.writeFile("inc.abc", "w:one\r\n");
+        const QString kFile = openBase(env);
+        const QString kTune = env.app().store().AddStringTune(
+            crlf("X:2\nT:A\n%%abc-include inc.abc\n%%abc-include gone.abc\nK:G\nabc\n"), kFile, true);
+        QCOMPARE(env.app().tree().find(kTune + "_hdrTune")->childCount(), 4);
+    }
+
+    // A file never saved has no folder: its includes are looked for in the current folder.
+    void includeInNewFile()
+    {
+        test::TestEnv env;
+        AppContext &app = env.app();
+        createWorkspaceRoot(app);
+        env.writeFile("inc.abc", "w:here\r\n");
+        const QString kFile = app.store().createNewFile();
+        const QString saved = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(env.path("")));
+        const QString kTune = app.store().AddStringTune(
+            crlf("X:1\nT:A\n%%abc-include inc.abc\n%%abc-include gone.abc\nK:G\nabc\n"), kFile);
+        QDir::setCurrent(saved);
+        QCOMPARE(includedDump(app, kTune + "_hdrTune_lg2"), QStringLiteral("_inclg1 propr w:here #ff0000"));
+        QCOMPARE(includedDump(app, kTune + "_hdrTune_lg3"),
+                 QStringLiteral("_err noabc % !!! ERR !!! : file not found #b0b0ff"));
+    }
+};
+
+FENWORK_TEST(TestTuneBuild)
+#include "tst_tunebuild.moc"

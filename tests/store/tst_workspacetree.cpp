@@ -1,0 +1,272 @@
+#include "testenv.h"
+#include "testmain.h"
+
+#include "frame/commandstate.h"
+#include "store/treeops.h"
+#include "store/widgets/treemodel.h"
+#include "store/workspacetree.h"
+
+#include <QAbstractItemModelTester>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace fenwork;
+
+class TestWorkspaceTree : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keyFunctions_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("kFile");
+        QTest::addColumn<QString>("kTune");
+        QTest::addColumn<int>("kind");
+        QTest::newRow("body line") << "_file3_tune5_bdyTune_lg2" << "_file3" << "_file3_tune5" << int(KeyKind::TuneBody);
+        QTest::newRow("header line") << "_file3_tune5_hdrTune_lg1" << "_file3" << "_file3_tune5" << int(KeyKind::TuneHeader);
+        QTest::newRow("tune") << "_file12_tune40" << "_file12" << "_file12_tune40" << int(KeyKind::Tune);
+        QTest::newRow("included line") << "_file1_tune1_hdrTune_lg2_inclg3" << "_file1" << "_file1_tune1" << int(KeyKind::TuneHeader);
+        QTest::newRow("file header") << "_file2_hdrFile_lgalias" << "_file2" << "" << int(KeyKind::FileHeader);
+        QTest::newRow("file body") << "_file2_bdyFile" << "_file2" << "" << int(KeyKind::FileBody);
+        QTest::newRow("trash tune") << "_file0_tune3_bdyTune_lg1" << "_file0" << "" << int(KeyKind::TrashTune);
+        QTest::newRow("trash header") << "_file0_hdrFile" << "_file0" << "" << int(KeyKind::Trash);
+        QTest::newRow("file 10 is no trash") << "_file10_tune1" << "_file10" << "_file10_tune1" << int(KeyKind::Tune);
+        QTest::newRow("root") << "abc" << "abc" << "" << int(KeyKind::Root);
+    }
+    void keyFunctions()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, kFile);
+        QFETCH(QString, kTune);
+        QFETCH(int, kind);
+        QCOMPARE(GetKFile(key), kFile);
+        QCOMPARE(GetKtune(key), kTune);
+        QCOMPARE(int(keyKind(key)), kind);
+    }
+
+    void linePictures_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("picture");
+        QTest::addColumn<QString>("trimmed");
+        QTest::newRow("include any case") << "  %%ABC-Include hdr.abc " << "include" << "%%ABC-Include hdr.abc";
+        QTest::newRow("directive") << "%%MIDI program 1" << "chpetend" << "%%MIDI program 1";
+        QTest::newRow("comment") << "% note" << "rem" << "% note";
+        QTest::newRow("r field") << "r:remark" << "rem" << "r:remark";
+        QTest::newRow("R field") << "R:reel" << "propr" << "R:reel";
+        QTest::newRow("part alone") << "P:" << "part" << "P:";
+        QTest::newRow("part letter") << "P:A" << "part" << "P:A";
+        QTest::newRow("part blank letter") << "P: A " << "part" << "P: A";
+        QTest::newRow("part sequence") << "P:AB" << "propr" << "P:AB";
+        QTest::newRow("voice") << "V:1 clef=bass" << "voix" << "V:1 clef=bass";
+        QTest::newRow("lower field") << "w:la la" << "propr" << "w:la la";
+        QTest::newRow("digit colon") << "1:2" << "mus" << "1:2";
+        QTest::newRow("music") << "|:abc def:|" << "mus" << "|:abc def:|";
+        QTest::newRow("tab stays") << "\tK:G" << "mus" << "\tK:G";
+        QTest::newRow("empty") << "" << "mus" << "";
+    }
+    void linePictures()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, picture);
+        QFETCH(QString, trimmed);
+        QCOMPARE(picName(GetIconeLigne(line)), picture);
+        QCOMPARE(line, trimmed);
+    }
+
+    void duplicateKeyRefused()
+    {
+        WorkspaceTree tree;
+        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "root", Pic::AbcRoot);
+        QVERIFY(tree.addChild(root, "_file1", "a", Pic::FileAbc));
+        QString error;
+        QVERIFY(!tree.addChild(root, "_file1", "b", Pic::FileAbc, &error));
+        QVERIFY(!error.isEmpty());
+        QCOMPARE(root->childCount(), 1);
+    }
+
+    void placing()
+    {
+        WorkspaceTree tree;
+        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "", Pic::AbcRoot);
+        Node *b = tree.addChild(root, "b", "", Pic::Mus);
+        tree.add(b, WorkspaceTree::Place::Previous, "a", "", Pic::Mus);
+        tree.add(b, WorkspaceTree::Place::Next, "c", "", Pic::Mus);
+        tree.add(b, WorkspaceTree::Place::Last, "e", "", Pic::Mus);
+        tree.add(b, WorkspaceTree::Place::First, "start", "", Pic::Mus);
+        tree.add(tree.find("e"), WorkspaceTree::Place::Previous, "d", "", Pic::Mus);
+        QStringList order;
+        for (Node *child : root->children())
+            order << child->Key;
+        QCOMPARE(order, QStringList({"start", "a", "b", "c", "d", "e"}));
+        QCOMPARE(tree.find("c")->nextSibling()->Key, QString("d"));
+        QCOMPARE(tree.find("c")->previousSibling()->Key, QString("b"));
+        tree.remove(tree.find("a"));
+        QCOMPARE(tree.find("c")->row(), 2);
+        QVERIFY(!tree.find("a"));
+    }
+
+    void removeSubtreeForgetsKeys()
+    {
+        WorkspaceTree tree;
+        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "", Pic::AbcRoot);
+        Node *file = tree.addChild(root, "_file1", "", Pic::FileAbc);
+        Node *hdr = tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
+        tree.addChild(hdr, "_file1_hdrFile_lg1", "", Pic::Rem);
+        tree.addChild(hdr, "", "keyless", Pic::Rem);
+        QCOMPARE(tree.count(), 5);
+        tree.remove(file);
+        QCOMPARE(tree.count(), 1);
+        QVERIFY(!tree.contains("_file1_hdrFile_lg1"));
+        QVERIFY(tree.addChild(root, "_file1_hdrFile_lg1", "", Pic::Rem));
+    }
+
+    // Closed files free their number: the next file takes it but stands last.
+    void setOneKeyReusesFreedNumbers()
+    {
+        test::TestEnv env;
+        createWorkspaceRoot(env.app());
+        WorkspaceTree &tree = env.app().tree();
+        for (int i = 0; i < 3; ++i)
+            SetOneKey(tree, tree.addChild(tree.root(), {}, "f", Pic::FileAbc), "_file");
+        tree.remove(tree.find("_file2"));
+        Node *next = tree.addChild(tree.root(), {}, "new", Pic::FileAbc);
+        SetOneKey(tree, next, "_file");
+        QCOMPARE(next->Key, QString("_file2"));
+        QCOMPARE(tree.root()->lastChild(), next);
+    }
+
+    void captions_data()
+    {
+        QTest::addColumn<int>("tunes");
+        QTest::addColumn<QString>("suffix");
+        QTest::addColumn<bool>("trashBold");
+        QTest::newRow("none") << 0 << "(<empty>)" << false;
+        QTest::newRow("one") << 1 << "(1 <tune>)" << true;
+        QTest::newRow("two") << 2 << "(2 <tunes>)" << true;
+    }
+    void captions()
+    {
+        QFETCH(int, tunes);
+        QFETCH(QString, suffix);
+        QFETCH(bool, trashBold);
+        test::TestEnv env;
+        AppContext &app = env.app();
+        createWorkspaceRoot(app);
+        WorkspaceTree &tree = app.tree();
+        Node *file = tree.addChild(tree.root(), "_file1", "[a.abc]", Pic::FileAbc);
+        tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
+        Node *body = tree.addChild(file, "_file1_bdyFile", "", Pic::BdyFile);
+        for (int i = 1; i <= tunes; ++i) {
+            tree.addChild(body, "_file1_tune" + QString::number(i), "", Pic::Tune);
+            tree.addChild(tree.find("_file0_bdyFile"), "_file0_tune" + QString::number(i), "", Pic::Tune);
+        }
+        const auto expand = [&](QString text) {
+            for (const char *k : {"<empty>", "<tune>", "<tunes>"})
+                text.replace(QString::fromLatin1(k), app.text("Mainform", QString::fromLatin1(k)));
+            return text;
+        };
+        CompterTunesDansFichier(app, "_file1");
+        QCOMPARE(body->Text, app.text("MainForm", "<fileBody>") + " " + expand(suffix));
+        CompterTunesDansFichier(app, "_file0");
+        QCOMPARE(tree.find("_file0")->Text, app.text("Mainform", "<trashbox>") + " " + expand(suffix));
+        QCOMPARE(tree.find("_file0")->Bold, trashBold);
+    }
+
+    void fileCountAndSaveAll()
+    {
+        test::TestEnv env;
+        AppContext &app = env.app();
+        createWorkspaceRoot(app);
+        CompterFiles(app);
+        QCOMPARE(app.tree().root()->Text, "Fennelworks (0 " + app.text("MainForm", "<file>") + ")");
+        QVERIFY(!app.commands().isEnabled("mnu_SaveAll"));
+        app.tree().addChild(app.tree().root(), "_file1", "", Pic::FileAbc);
+        app.tree().addChild(app.tree().root(), "_file2", "", Pic::FileAbc);
+        CompterFiles(app);
+        QCOMPARE(app.tree().root()->Text, "Fennelworks (2 " + app.text("MainForm", "<files>") + ")");
+        QVERIFY(app.commands().isEnabled("saveall"));
+    }
+
+    void aliasAndOpenCheck()
+    {
+        test::TestEnv env;
+        AppContext &app = env.app();
+        createWorkspaceRoot(app);
+        WorkspaceTree &tree = app.tree();
+        Node *file = tree.addChild(tree.root(), "_file1", "", Pic::FileAbc);
+        file->Tag = "/tmp/Reels.abc";
+        Node *hdr = tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
+        bool found = true;
+        QCOMPARE(GetAliasFile(app, "_file1", &found), QString());
+        QVERIFY(!found);
+        Node *alias = tree.addChild(hdr, "_file1_hdrFile_lgalias", "%%abc-alias  Reels ", Pic::ChpEtend);
+        QCOMPARE(GetAliasFile(app, "_file1", &found), QString("Reels"));
+        QVERIFY(found);
+        tree.setText(alias, "%%abc-alias none");
+        QCOMPARE(GetAliasFile(app, "_file1"), QString());
+        QCOMPARE(GetPathFile(app, "_file1"), QString("/tmp/Reels.abc"));
+        QVERIFY(!IsOpenFile(app, "/tmp/reels.abc")); // exact comparison
+        QVERIFY(env.ui().messages().isEmpty());
+        QVERIFY(IsOpenFile(app, "/tmp/Reels.abc"));
+        QVERIFY(env.ui().lastMessage().contains(app.text("Msg", "<openSyn>")));
+    }
+
+    // The view sees a consistent model through inserts, builds, removals and resets.
+    void modelFollowsTree()
+    {
+        WorkspaceTree tree;
+        TreeModel model(tree);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "root", Pic::AbcRoot);
+        QCOMPARE(model.rowCount(), 1);
+        Node *file = tree.addChild(root, "_file1", "f", Pic::FileAbc);
+        QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+        tree.beginBuild(file);
+        Node *body = tree.addChild(file, "_file1_bdyFile", "b", Pic::BdyFile);
+        for (int i = 0; i < 100; ++i)
+            tree.addChild(body, "_file1_tune" + QString::number(i), "t", Pic::Tune);
+        QCOMPARE(model.rowCount(model.indexOf(file)), 0);
+        tree.endBuild(file);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(model.rowCount(model.indexOf(body)), 100);
+        tree.add(tree.find("_file1_tune50"), WorkspaceTree::Place::Previous, "x", "x", Pic::Tune);
+        QCOMPARE(model.indexOf(tree.find("_file1_tune50")).row(), 51);
+        tree.setText(tree.find("x"), "changed");
+        QCOMPARE(model.data(model.indexOf(tree.find("x"))).toString(), QString("changed"));
+        tree.removeChildren(body);
+        tree.remove(file);
+        QCOMPARE(model.rowCount(model.indexOf(root)), 0);
+        tree.clear();
+        QCOMPARE(model.rowCount(), 0);
+    }
+
+    // Half a million nodes, each found by key.
+    void largeTree()
+    {
+        WorkspaceTree tree;
+        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "", Pic::AbcRoot);
+        Node *body = tree.addChild(root, "_file1_bdyFile", "", Pic::BdyFile);
+        const int tunes = 50000;
+        for (int t = 1; t <= tunes; ++t) {
+            const QString k = "_file1_tune" + QString::number(t);
+            Node *tune = tree.addChild(body, k, "[1] x", Pic::Tune);
+            for (int l = 1; l <= 9; ++l)
+                tree.addChild(tune, k + "_bdyTune_lg" + QString::number(l), "abc|", Pic::Mus);
+        }
+        QCOMPARE(tree.count(), 2 + tunes * 10);
+        for (int t = 1; t <= tunes; t += 997) {
+            Node *n = tree.find("_file1_tune" + QString::number(t) + "_bdyTune_lg9");
+            QVERIFY(n);
+            QCOMPARE(n->parent()->row(), t - 1);
+        }
+        int visited = 0;
+        tree.walk(root, [&](Node *) { ++visited; return true; });
+        QCOMPARE(visited, tree.count());
+    }
+};
+
+FENWORK_TEST(TestWorkspaceTree)
+#include "tst_workspacetree.moc"
