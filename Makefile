@@ -32,5 +32,14 @@ test-asan: deps
 bench: build
 	@bash bench/run.sh $(BUILD)
 
+# libFuzzer on the tune store: clang, address and undefined-behaviour sanitizers.
+FUZZ_SECONDS ?= 600
+fuzz: deps
+	cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DFENWORK_FUZZ=ON \
+	  -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer" \
+	  -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined"
+	cmake --build build-fuzz -j $(JOBS) --target fuzz_store
+	bash fuzz/run.sh build-fuzz $(FUZZ_SECONDS)
+
 clean:
 	rm -rf $(BUILD) build-asan

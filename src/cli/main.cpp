@@ -1,1 +1,63 @@
-int main() { return 0; }
+// fenwork-cli: the batch companion of Fennelworks, on the core alone.
+#include "cli/clicommands.h"
+#include "cli/findcommand.h"
+
+#include "frame/appcontext.h"
+#include "frame/clidialogs.h"
+#include "frame/language.h"
+#include "frame/paths.h"
+#include "store/treeops.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTextStream>
+
+using namespace fenwork;
+
+int main(int argc, char **argv)
+{
+    QCoreApplication qapp(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("fenwork-cli"));
+    QStringList args = QCoreApplication::arguments().mid(1);
+    if (args.isEmpty()) {
+        cli::writeErr(cli::helpText());
+        return cli::Usage;
+    }
+    const QString command = args.takeFirst();
+    if (command == u"help" || command == u"--help" || command == u"-h") {
+        cli::writeOut(cli::helpText());
+        return cli::Ok;
+    }
+
+    if (command == u"find") {
+        // Sets up its own context: it opens the file read-only.
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runFindCommand(args, out, err);
+    }
+
+    // The same user root as the program: settings and language come from there.
+    const Paths paths = Paths::fromEnvironment();
+    if (!QDir().mkpath(paths.userRoot()) || !QDir().mkpath(paths.cacheFolder())) {
+        cli::writeErr(QStringLiteral("fenwork-cli: cannot make the user folder ") + paths.userRoot() + u'\n');
+        return cli::Failed;
+    }
+    CliDialogs dialogs;
+    AppContext app(paths, &dialogs);
+    if (app.lang().name().isEmpty())
+        app.lang().setName(QStringLiteral("English"));
+    app.buildStartupTexts();
+    createWorkspaceRoot(app);
+
+    if (command == u"normalize")
+        return cli::normalize(app, args);
+    if (command == u"tree")
+        return cli::tree(app, args);
+    if (command == u"dupx")
+        return cli::dupx(app, args);
+    cli::writeErr(QStringLiteral("fenwork-cli: unknown command '") + command
+        + QStringLiteral("'\nTry 'fenwork-cli --help'.\n"));
+    return cli::Usage;
+}

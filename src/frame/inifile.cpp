@@ -59,7 +59,10 @@ std::optional<QByteArray> readBytes(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    QByteArray bytes = file.read(kMaxFileSize + 1);
+    // read(max) would allocate the whole maximum up front: read what is there.
+    if (file.size() > kMaxFileSize)
+        return std::nullopt;
+    QByteArray bytes = file.readAll();
     if (bytes.size() > kMaxFileSize)
         return std::nullopt;
     return bytes;

@@ -58,7 +58,10 @@ std::optional<QByteArray> readFile(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    QByteArray bytes = file.read(kMaxLanguageFile + 1);
+    // read(max) would allocate the whole maximum up front: read what is there.
+    if (file.size() > kMaxLanguageFile)
+        return std::nullopt;
+    QByteArray bytes = file.readAll();
     if (bytes.size() > kMaxLanguageFile)
         return std::nullopt;
     return bytes;

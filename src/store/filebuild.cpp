@@ -130,8 +130,8 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
     bool inPostScript = false;
     bool sawAbc = false, sawCreator = false, sawAlias = false;
     int headerCount = 0;
-    QStringList tunes;
-    StrBuild buffer;
+    QVector<QStringList> tunes;
+    QStringList buffer;
     const int progressStep = qMax(1, int(lines.size() / 100));
     for (qsizetype i = 0; i < lines.size(); ++i) {
         if (i % progressStep == 0)
@@ -143,18 +143,15 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
                 if (!addBody())
                     return fail(error);
             } else {
-                tunes.append(buffer.Value());
-                buffer.Clear();
+                tunes.append(std::move(buffer));
+                buffer = QStringList();
             }
-            buffer.Append(line);
-            buffer.Append(CRLF);
+            buffer.append(line);
             continue;
         }
         if (!inHeader) {
-            if (!line.isEmpty()) {
-                buffer.Append(line);
-                buffer.Append(CRLF);
-            }
+            if (!line.isEmpty())
+                buffer.append(line);
             continue;
         }
         if (line.isEmpty())
@@ -209,8 +206,7 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
         ui.showProgress(false);
         return kFile;
     }
-    tunes.append(buffer.Value());
-    buffer.Clear();
+    tunes.append(std::move(buffer));
 
     if (!sawAbc) {
         Node *first = header->firstChild();
@@ -260,13 +256,16 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
     ui.setProgressCaption(QStringLiteral("Build..."));
     ui.processEvents();
     const int tuneStep = qMax(1, int(tunes.size() / 100));
+    const TuneCaptions captions = tuneCaptions();
+    m_captions = &captions;
     for (qsizetype i = 0; i < tunes.size(); ++i) {
         if (i % tuneStep == 0)
             ui.setProgressValue(int(i));
-        QString tuneText = tunes.at(i);
         QString wanted = kFile + QStringLiteral("_tune") + QString::number(i + 1);
-        AddStringTune(tuneText, kFile, inTrash, {}, false, wanted);
+        addTuneLines(tunes[i], kFile, inTrash, {}, false, wanted);
+        tunes[i] = QStringList(); // the nodes hold the text now
     }
+    m_captions = nullptr;
     CompterTunesDansFichier(m_app, kFile);
     CompterFiles(m_app);
     ui.showProgress(false);

@@ -81,7 +81,7 @@ bool FichierEnregistrer(AppContext &app, const QString &kFile, int mode)
 
     QString lineEnd;
     if (mode == 1) {
-        const QStringList filters{
+        const QStringList filters {
             msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
             msg(app, "<ABCfileX>") + QStringLiteral(" (*.abc)"),
             msg(app, "<ABCfileM>") + QStringLiteral(" (*.abc)"),
@@ -130,8 +130,10 @@ bool FichierEnregistrer(AppContext &app, const QString &kFile, int mode)
     return true;
 }
 
-bool FichierFermer(AppContext &app, const QString &kFile)
+bool FichierFermer(AppContext &app, const QString &fileKey)
 {
+    // A copy: callers may pass the node's own Key, which goes with the node.
+    const QString kFile = fileKey;
     if (kFile.isEmpty() || kFile == key::Trash)
         return false;
     WorkspaceTree &tree = app.tree();
@@ -140,8 +142,8 @@ bool FichierFermer(AppContext &app, const QString &kFile)
         return false;
 
     if (isChanged(file)) {
-        const QString question = msg(app, "<fileModified>") + CRLF + CRLF + file->Text + CRLF + CRLF
-                                 + msg(app, "<saveModif>");
+        const QString question
+            = msg(app, "<fileModified>") + CRLF + CRLF + file->Text + CRLF + CRLF + msg(app, "<saveModif>");
         switch (app.ui().question(question, true)) {
         case UserDialogs::Answer::Cancel:
             return false;
@@ -199,7 +201,7 @@ void mnu_SaveAll(AppContext &app)
     const Node *root = app.tree().root();
     if (!root)
         return;
-    // Keys first: a save as may rename nothing, but a failed one must not disturb the walk.
+    // The keys are gathered first, so that the walk does not depend on what the saves do.
     QStringList changed;
     for (int i = 1; i < root->childCount(); ++i) {
         const Node *file = root->child(i);
@@ -247,12 +249,13 @@ void mnu_saveSelTunes(AppContext &app, int index)
         }
     }
 
-    const QStringList filters{
+    const QStringList filters {
         msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
         msg(app, "<textFile>") + QStringLiteral(" (*.txt)"),
     };
     const QString folder = app.ini().get(keys::DirDef);
-    const QString start = folder.isEmpty() ? QStringLiteral("Nouveau.abc") : QDir(folder).filePath(QStringLiteral("Nouveau.abc"));
+    const QString start = folder.isEmpty() ? QStringLiteral("Nouveau.abc")
+                                           : QDir(folder).filePath(QStringLiteral("Nouveau.abc"));
     const QString path = ui.saveFileName(msg(app, "<saveABCas>"), start, filters);
     if (path.isEmpty() || IsOpenFile(app, path))
         return;
@@ -325,7 +328,8 @@ void mnu_Recents(AppContext &app, int index)
     int doubled = 0;
     ShowDoublonsX(app, kFile, false, doubled);
     if (doubled > 0)
-        app.ui().message(path + CRLF + CRLF + app.text(QStringLiteral("MSG"), QStringLiteral("<dblXinFile>")));
+        app.ui().message(
+            path + CRLF + CRLF + app.text(QStringLiteral("MSG"), QStringLiteral("<dblXinFile>")));
 }
 
 } // namespace fenwork

@@ -39,23 +39,48 @@ bool isAsciiWord(QChar c)
 // be glued before a field again and move on. The text has CR LF line ends here, so this is one
 // pass over its lines. A line must hold something after "|:K:" to count: taking the line end
 // instead would lose the first character of the next line.
+bool hasGluedRepeat(const QString &text)
+{
+    for (qsizetype at = text.indexOf(QStringLiteral("|:")); at >= 0; at = text.indexOf(QStringLiteral("|:"), at + 1)) {
+        const bool lineStart = at == 0 || text.at(at - 1) == u'\n' || text.at(at - 1) == u'\r';
+        if (lineStart && at + 4 < text.size() && isAsciiWord(text.at(at + 2)) && text.at(at + 3) == u':')
+            return true;
+    }
+    return false;
+}
+
 void unglueRepeats(QString &text)
 {
-    if (!text.contains(QStringLiteral("|:")))
+    if (!hasGluedRepeat(text))
         return;
-    const QStringList lines = text.split(CRLF);
-    QStringList out;
-    out.reserve(lines.size() + 1);
+    QString out;
+    out.reserve(text.size() + 16);
     bool carry = false;
-    for (const QString &original : lines) {
-        const QString line = carry ? QStringLiteral("|:") + original : original;
-        carry = line.size() >= 5 && line.at(0) == u'|' && line.at(1) == u':' && isAsciiWord(line.at(2))
-                && line.at(3) == u':';
-        out.append(carry ? line.mid(2) : line);
+    qsizetype start = 0;
+    while (true) {
+        const qsizetype end = text.indexOf(CRLF, start);
+        const QStringView original = QStringView(text).mid(start, (end < 0 ? text.size() : end) - start);
+        const auto at = [&](qsizetype i) { return carry ? (i < 2 ? QStringLiteral("|:").at(i) : original.at(i - 2)) : original.at(i); };
+        const qsizetype length = original.size() + (carry ? 2 : 0);
+        const bool glued = length >= 5 && at(0) == u'|' && at(1) == u':' && isAsciiWord(at(2)) && at(3) == u':';
+        if (glued) {
+            out.append(carry ? original : original.mid(2));
+        } else {
+            if (carry)
+                out.append(QStringLiteral("|:"));
+            out.append(original);
+        }
+        carry = glued;
+        if (end < 0)
+            break;
+        out.append(CRLF);
+        start = end + 2;
     }
-    if (carry)
+    if (carry) {
+        out.append(CRLF);
         out.append(QStringLiteral("|:"));
-    text = out.join(CRLF);
+    }
+    text = std::move(out);
 }
 
 } // namespace

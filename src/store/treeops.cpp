@@ -56,7 +56,7 @@ QString GetKtune(const QString &k)
 Pic GetIconeLigne(QString &line)
 {
     line = trimBlanks(line);
-    if (line.left(13).toLower() == u"%%abc-include")
+    if (line.startsWith(u"%%") && QStringView(line).left(13).compare(u"%%abc-include", Qt::CaseInsensitive) == 0)
         return Pic::Include;
     if (line.startsWith(u"%%"))
         return Pic::ChpEtend;

@@ -42,20 +42,35 @@ QString TuneStore::AddStringTune(const QString &text, const QString &kFile, bool
     return AddStringTune(copy, kFile, noInclude, kRelative, before, wanted);
 }
 
+TuneStore::TuneCaptions TuneStore::tuneCaptions() const
+{
+    const QString mainForm = QStringLiteral("MainForm");
+    return {m_app.text(mainForm, QStringLiteral("<withoutTtl>")), m_app.text(mainForm, QStringLiteral("<tuneHeader>")),
+            m_app.text(mainForm, QStringLiteral("<tuneBody>"))};
+}
+
 QString TuneStore::AddStringTune(QString &text, const QString &kFile, bool noInclude, const QString &kRelative,
                                  bool before, QString &kWanted)
 {
+    text.replace(QStringLiteral(":|:"), QStringLiteral(":||:"));
+    QStringList lines = text.split(CRLF);
+    return addTuneLines(lines, kFile, noInclude, kRelative, before, kWanted);
+}
+
+QString TuneStore::addTuneLines(QStringList &lines, const QString &kFile, bool noInclude, const QString &kRelative,
+                                bool before, QString &kWanted)
+{
     WorkspaceTree &tree = m_app.tree();
-    const QString mainForm = QStringLiteral("MainForm");
     QString error;
     const auto fail = [&](const QString &description) {
         m_app.ui().contextError(QStringLiteral("AddStringTune"), description);
         return QString();
     };
-
-    const QString placeholder = m_app.text(mainForm, QStringLiteral("<withoutTtl>"));
-    text.replace(QStringLiteral(":|:"), QStringLiteral(":||:"));
-    QStringList lines = text.split(CRLF);
+    const TuneCaptions looked = m_captions ? TuneCaptions() : tuneCaptions();
+    const TuneCaptions &captions = m_captions ? *m_captions : looked;
+    const QString &placeholder = captions.placeholder;
+    if (lines.isEmpty())
+        lines.append(QString());
     Node *file = tree.find(kFile);
     Node *body = file ? file->child(1) : nullptr;
 
@@ -94,8 +109,7 @@ QString TuneStore::AddStringTune(QString &text, const QString &kFile, bool noInc
     const QString kTune = tune->Key;
     BuildScope build(tree, tune);
 
-    Node *header = tree.addChild(tune, kTune + key::HdrTune, m_app.text(mainForm, QStringLiteral("<tuneHeader>")),
-                                 Pic::HdrTune, &error);
+    Node *header = tree.addChild(tune, kTune + key::HdrTune, captions.tuneHeader, Pic::HdrTune, &error);
     if (!header)
         return fail(error);
     header->Expanded = true;
@@ -113,13 +127,14 @@ QString TuneStore::AddStringTune(QString &text, const QString &kFile, bool noInc
         QString line = trimBlanks(lines.at(i));
         if (line.isEmpty())
             continue;
+        if (line.contains(QStringLiteral(":|:")))
+            line.replace(QStringLiteral(":|:"), QStringLiteral(":||:"));
         ++n;
         QString probe = line;
         const Pic pic = GetIconeLigne(probe);
         if ((pic == Pic::Mus || pic == Pic::Part) && inHeader) {
             inHeader = false;
-            tuneBody = tree.addChild(tune, kTune + key::BdyTune, m_app.text(mainForm, QStringLiteral("<tuneBody>")),
-                                     Pic::BdyTune, &error);
+            tuneBody = tree.addChild(tune, kTune + key::BdyTune, captions.tuneBody, Pic::BdyTune, &error);
             if (!tuneBody)
                 return fail(error);
             tuneBody->Expanded = true;

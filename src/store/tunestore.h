@@ -68,8 +68,16 @@ public:
     std::function<void(const QString &key)> selectNode;
 
 private:
-    Node *addHeaderLine(Node *header, const QString &kFile, const QString &line, const QString &keyEnding,
-                        Node *after, bool first, QString *error);
+    // The tune of `lines` (the X: line first); blank lines are skipped.
+    QString addTuneLines(QStringList &lines, const QString &kFile, bool noInclude, const QString &kRelative,
+                         bool before, QString &kWanted);
+    // Texts every tune needs, looked up once per file load rather than once per tune.
+    struct TuneCaptions
+    {
+        QString placeholder, tuneHeader, tuneBody;
+    };
+    TuneCaptions tuneCaptions() const;
+    const TuneCaptions *m_captions = nullptr;
 
     AppContext &m_app;
     QHash<QString, TextEncoding> m_encodings;

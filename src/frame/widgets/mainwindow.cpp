@@ -1,121 +1,227 @@
 #include "frame/widgets/mainwindow.h"
 
+#include "editing/widgets/abctextpanel.h"
+#include "finding/duplicates.h"
+#include "finding/widgets/filterpanel.h"
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
-#include "frame/session.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/version.h"
 #include "frame/widgets/icons.h"
+#include "frame/widgets/mainmenus.h"
+#include "frame/widgets/mainstatusbar.h"
 #include "frame/widgets/progressstrip.h"
 #include "frame/widgets/widgetdialogs.h"
+#include "score/widgets/scorepanel.h"
+#include "store/filecommands.h"
+#include "store/nodeselection.h"
 #include "store/recentfiles.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
+#include "store/widgets/explorerpanel.h"
 #include "store/widgets/treemodel.h"
 #include "store/widgets/treeview.h"
 #include "store/workspacetree.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QScreen>
+#include <QSlider>
 #include <QSplitter>
-#include <QStatusBar>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace fenwork {
 
 namespace {
-const QString kMenus = QStringLiteral("Menus");
+
+const QString kMsg = QStringLiteral("Msg");
+const QString kMainForm = QStringLiteral("MainForm");
+
+bool readOnlyOnDisk(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isWritable();
 }
 
-MainWindow::MainWindow(AppContext &app, WidgetDialogs &dialogs, QWidget *parent)
-    : QMainWindow(parent), m_app(app), m_dialogs(dialogs)
+// An empty panel standing for one still to come, in the look of a view.
+QWidget *placeholder(const char *name)
+{
+    auto *frame = new QFrame;
+    frame->setObjectName(QString::fromLatin1(name));
+    frame->setFrameShape(QFrame::StyledPanel);
+    frame->setBackgroundRole(QPalette::Base);
+    frame->setAutoFillBackground(true);
+    return frame;
+}
+
+// The player's place: its transport row, idle until playing exists.
+QWidget *playerPlaceholder()
+{
+    auto *frame = new QFrame;
+    frame->setObjectName(QStringLiteral("pic_Player"));
+    frame->setFrameShape(QFrame::StyledPanel);
+    auto *row = new QHBoxLayout(frame);
+    row->setContentsMargins(6, 4, 6, 4);
+    row->setSpacing(2);
+    for (const char *icon :
+        { "media-skip-backward", "media-playback-start", "media-playback-stop", "media-playback-pause" }) {
+        auto *button = new QToolButton;
+        button->setIcon(QIcon::fromTheme(QString::fromLatin1(icon)));
+        button->setAutoRaise(true);
+        button->setEnabled(false);
+        row->addWidget(button);
+    }
+    auto *position = new QSlider(Qt::Horizontal);
+    position->setEnabled(false);
+    row->addWidget(position, 1);
+    auto *time = new QLabel(QStringLiteral("0:00"));
+    time->setEnabled(false);
+    row->addWidget(time);
+    frame->setMaximumHeight(frame->sizeHint().height());
+    return frame;
+}
+
+} // namespace
+
+MainWindow::MainWindow(AppContext &app, QWidget *parent)
+    : QMainWindow(parent)
+    , m_app(app)
 {
     setObjectName(QStringLiteral("f_main"));
     m_model = new TreeModel(app.tree(), this);
     const QString programFolder = app.paths().programFolder();
     m_model->setIconProvider([programFolder](Pic pic) { return pictureIcon(picName(pic), programFolder); });
+    m_menus = new MainMenus(app, this);
+    buildPanels();
 
-    m_split = new QSplitter(Qt::Horizontal, this);
-    auto *left = new QWidget(m_split);
-    auto *leftLayout = new QVBoxLayout(left);
-    leftLayout->setContentsMargins(0, 0, 0, 0);
-    leftLayout->setSpacing(2);
-    m_splitLeft = new QSplitter(Qt::Vertical, left);
-    m_tree = new TreeView(app.tree(), m_model, m_splitLeft);
-    auto *below = new QLabel(m_splitLeft);
-    below->setObjectName(QStringLiteral("tabs_left"));
-    m_splitLeft->addWidget(m_tree);
-    m_splitLeft->addWidget(below);
-    leftLayout->addWidget(m_splitLeft, 1);
-    m_progress = new ProgressStrip(left);
-    leftLayout->addWidget(m_progress);
-
-    m_splitRight = new QSplitter(Qt::Vertical, m_split);
-    m_text = new QPlainTextEdit(m_splitRight);
-    m_text->setObjectName(QStringLiteral("txt_ABC"));
-    m_text->setReadOnly(true);
-    m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    auto *score = new QLabel(m_splitRight);
-    score->setObjectName(QStringLiteral("pic_Score"));
-    score->setAlignment(Qt::AlignCenter);
-    m_splitRight->addWidget(m_text);
-    m_splitRight->addWidget(score);
-    m_split->addWidget(left);
-    m_split->addWidget(m_splitRight);
-    m_split->setStretchFactor(1, 1);
-    setCentralWidget(m_split);
-
-    m_version = new QLabel(this);
-    m_version->setObjectName(QStringLiteral("kversion"));
-    m_fileInfo = new QLabel(this);
-    m_fileInfo->setObjectName(QStringLiteral("kfich"));
-    statusBar()->addWidget(m_fileInfo, 1);
-    statusBar()->addPermanentWidget(m_version);
-
-    m_dialogs.setParentWidget(this);
-    m_dialogs.setProgressStrip(m_progress);
-
-    connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex &current) {
-                if (Node *node = m_model->nodeAt(current))
-                    NodeClick(node->Key);
-            });
+    if (auto *dialogs = dynamic_cast<WidgetDialogs *>(&app.ui())) {
+        dialogs->setParentWidget(this);
+        dialogs->setProgressStrip(m_progress);
+    }
     m_app.store().selectNode = [this](const QString &key) { SimulerNodeClick(key); };
 }
 
 MainWindow::~MainWindow()
 {
     m_app.store().selectNode = nullptr;
-    m_dialogs.setProgressStrip(nullptr);
-    m_dialogs.setParentWidget(nullptr);
+    if (auto *dialogs = dynamic_cast<WidgetDialogs *>(&m_app.ui())) {
+        dialogs->setProgressStrip(nullptr);
+        dialogs->setParentWidget(nullptr);
+    }
+}
+
+TreeView *MainWindow::tree() const
+{
+    return m_explorer->tree();
+}
+
+void MainWindow::buildPanels()
+{
+    m_toolBar = new QToolBar(this);
+    addToolBar(Qt::TopToolBarArea, m_toolBar);
+
+    m_splitX = new QSplitter(Qt::Horizontal, this);
+    m_splitX->setObjectName(QStringLiteral("lab_dragV"));
+    m_splitX->setChildrenCollapsible(false);
+
+    // Left: the tabs and the progress strip above the player.
+    m_splitLeft = new QSplitter(Qt::Vertical);
+    m_splitLeft->setObjectName(QStringLiteral("lab_dragHG"));
+    m_splitLeft->setChildrenCollapsible(false);
+    auto *upper = new QWidget;
+    auto *upperLayout = new QVBoxLayout(upper);
+    upperLayout->setContentsMargins(0, 0, 0, 0);
+    upperLayout->setSpacing(2);
+    m_tabs = new QTabWidget;
+    m_tabs->setObjectName(QStringLiteral("ongl_G"));
+    m_tabs->setDocumentMode(true);
+    m_explorer = new ExplorerPanel(m_app.tree(), m_model);
+    m_tabs->addTab(m_explorer, QString());
+    m_filter = new FilterPanel(m_app);
+    m_tabs->addTab(m_filter, QString());
+    m_tabs->addTab(placeholder("pic_Ref"), QString());
+    m_tabs->setMinimumHeight(290);
+    upperLayout->addWidget(m_tabs, 1);
+    m_progress = new ProgressStrip;
+    upperLayout->addWidget(m_progress);
+    m_splitLeft->addWidget(upper);
+    m_splitLeft->addWidget(playerPlaceholder());
+    m_splitLeft->setStretchFactor(0, 1);
+    m_splitLeft->setStretchFactor(1, 0);
+    m_splitLeft->setMinimumWidth(200);
+
+    // Right: the text above the score.
+    m_splitRight = new QSplitter(Qt::Vertical);
+    m_splitRight->setObjectName(QStringLiteral("lab_dragHD"));
+    m_splitRight->setChildrenCollapsible(false);
+    m_textPanel = new AbcTextPanel;
+    m_textPanel->editor()->setMinimumHeight(50);
+    m_score = new ScorePanel;
+    m_score->setMinimumHeight(200);
+    m_splitRight->addWidget(m_textPanel);
+    m_splitRight->addWidget(m_score);
+    m_splitRight->setStretchFactor(0, 0);
+    m_splitRight->setStretchFactor(1, 1);
+    m_splitRight->setMinimumWidth(200);
+
+    m_splitX->addWidget(m_splitLeft);
+    m_splitX->addWidget(m_splitRight);
+    m_splitX->setStretchFactor(0, 0);
+    m_splitX->setStretchFactor(1, 1);
+    setCentralWidget(m_splitX);
+
+    m_status = new MainStatusBar(this);
+    setStatusBar(m_status);
+
+    TreeView *view = m_explorer->tree();
+    connect(view, &TreeView::nodeClicked, this, &MainWindow::NodeClick);
+    connect(view, &TreeView::markRequested, this,
+        [this](const QString &key, bool eachOnItsOwn) { toggleTuneMarks(m_app, key, eachOnItsOwn); });
+    connect(view, &TreeView::contextMenuRequested, this, &MainWindow::tr_ABC_ContextMenu);
+    connect(view, &TreeView::nodeDoubleClicked, this, &MainWindow::tr_ABC_DblClick);
+    connect(
+        view, &TreeView::filesDropped, this, [this](const QStringList &paths) { openFiles(paths, false); });
+    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::ongl_G_Click);
+    connect(m_filter, &FilterPanel::treeFilterChanged, this, &MainWindow::showFilterState);
+    connect(
+        m_filter, &FilterPanel::showTreeRequested, this, [this] { m_tabs->setCurrentWidget(m_explorer); });
+    connect(m_filter, &FilterPanel::selectNodeRequested, this, &MainWindow::SimulerNodeClick);
+    // A save as gives the current file a new path: the status bar follows.
+    connect(m_model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from) {
+        if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.currentFileKey)
+            m_status->setFilePath(node->Tag);
+    });
 }
 
 void MainWindow::MainLoad()
 {
     const QString title = QStringLiteral("Fennelworks ") + versionText();
-    m_version->setText(title);
-    setWindowTitle(programTitle());
+    m_status->setVersionText(title);
+    setWindowTitle(title);
 
-    const QStringList failed = ensureUserFolders(m_app.paths());
+    const QStringList failed = prepareMainLoad(m_app);
     if (!failed.isEmpty())
-        m_dialogs.contextError(QStringLiteral("MainLoad"),
-                               QStringLiteral("Can't create these folders:\n") + failed.join(u'\n'));
-    IniFile &ini = m_app.ini();
-    if (ini.get(keys::DirDef).isEmpty())
-        ini.set(keys::DirDef, specialFolder(SF_Documents));
-
+        m_app.ui().contextError(
+            QStringLiteral("MainLoad"), QStringLiteral("Can't create these folders:\n") + failed.join(u'\n'));
     applyGeometry();
     m_app.buildStartupTexts();
-    m_app.tempoDef = ini.get(keys::TempoDef).toShort();
+    m_score->setBlankPicturePath(m_app.paths().inProgram(QStringLiteral("img/blank_std.png")));
+
+    IniFile &ini = m_app.ini();
+    m_menus->build(menuBar(), m_toolBar);
+    connectCommands();
     m_app.recent().load(ini);
 
     createWorkspaceRoot(m_app);
@@ -126,135 +232,132 @@ void MainWindow::MainLoad()
         Node *header = tree.find(key::TrashHeader);
         tree.addChild(header, QStringLiteral("_file0_hdrFile_lgabc"), QStringLiteral("%abc"), Pic::Rem);
         tree.addChild(header, QStringLiteral("_file0_hdrFile_lgcreator"), m_app.creatorLine, Pic::Rem);
-        tree.addChild(header, QStringLiteral("_file0_hdrFile_lgIDpoubelle"), QStringLiteral("%Poubelle d'Fennelworks"),
-                      Pic::Rem);
+        tree.addChild(header, QStringLiteral("_file0_hdrFile_lgIDpoubelle"),
+            QStringLiteral("%Poubelle d'Fennelworks"), Pic::Rem);
     }
     CompterTunesDansFichier(m_app, key::Trash);
     CompterFiles(m_app);
 
-    QFont font(ini.get(keys::FontName));
-    font.setStyleHint(QFont::Monospace);
-    font.setPointSize(qBound(6, ini.get(keys::FontSize).toInt(), 48));
-    m_text->setFont(font);
-    buildMenus();
+    m_filter->loadMasks();
+    m_kept = readKeptSettings(ini);
+    if (const int zoom = m_kept.zoom.toInt(); zoom > 0)
+        m_score->setZoom(zoom);
+    LoadLang();
+    m_textPanel->setTextFont(ini.get(keys::FontName), ini.getInt(keys::FontSize));
+
+    // Nothing is selected yet: the commands stand as for the root, the choice list's as for an
+    // empty list, and saving marked tunes waits for marks or a search.
+    m_app.commands().setEnabled(QStringLiteral("mnu_lst"), false);
+    m_app.commands().setEnabled(QStringLiteral("topdflst"), false);
+    m_app.commands().setEnabled(QStringLiteral("printlst"), false);
+    m_app.commands().setEnabled(QStringLiteral("mnu_saveTunesFltr"), false);
+    SimulerNodeClick(key::Root);
+    m_explorer->tree()->setFocus();
 }
 
-void MainWindow::buildMenus()
+void MainWindow::LoadLang()
 {
-    menuBar()->clear();
-    Language &lang = m_app.lang();
+    const Language &lang = m_app.lang();
+    m_menus->loadLang();
+    m_explorer->loadLang(lang);
+    m_filter->LoadLang();
+    m_tabs->setTabText(0, lang.text(kMainForm, QStringLiteral("<explorer>")));
+    m_tabs->setTabText(1, lang.text(kMainForm, QStringLiteral("<find>")));
+    m_tabs->setTabText(2, lang.text(kMainForm, QStringLiteral("<reference>")));
+    m_tabs->setTabIcon(0, QIcon::fromTheme(QStringLiteral("view-list-tree")));
+    m_tabs->setTabIcon(2, QIcon::fromTheme(QStringLiteral("view-readermode")));
+    showFilterState(m_filter->isFilterActive());
+}
+
+// The search tab's picture says whether a filter greys tunes in the tree.
+void MainWindow::showFilterState(bool active)
+{
     const QString folder = m_app.paths().programFolder();
-    QMenu *file = menuBar()->addMenu(lang.text(kMenus, QStringLiteral("<file>")));
-    file->setObjectName(QStringLiteral("mnu_file"));
-    QAction *open = file->addAction(programIcon(QStringLiteral("open"), folder), lang.text(kMenus, QStringLiteral("<openFile>")),
-                                    this, &MainWindow::openFileDialog);
-    open->setObjectName(QStringLiteral("mnu_openFile"));
-    open->setShortcut(QKeySequence::Open);
-    file->addSeparator();
-    QAction *quit = file->addAction(lang.text(kMenus, QStringLiteral("<quit>")), this, &QWidget::close);
-    quit->setObjectName(QStringLiteral("mnu_Quitter"));
-    quit->setShortcut(QKeySequence::Quit);
+    QIcon icon = programIcon(active ? QStringLiteral("filter") : QStringLiteral("filter0"), folder);
+    if (icon.isNull())
+        icon = QIcon::fromTheme(active ? QStringLiteral("view-filter") : QStringLiteral("edit-find"));
+    m_tabs->setTabIcon(1, icon);
 }
 
-void MainWindow::applyGeometry()
+void MainWindow::connectCommands()
 {
-    IniFile &ini = m_app.ini();
-    const QRect screen = QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry()
-                                                          : QRect(0, 0, 1280, 800);
-    const bool recorded = ini.get(keys::UseRecordedData) == u"1";
-    // Stored values are pixels; a missing one takes a default near the screen's size (the classic
-    // defaults were 300 and 500 twips from the corner, and the screen less 1000 twips).
-    const auto value = [&](const SettingKey &k, int fallback) {
-        bool ok = false;
-        const int v = recorded ? ini.getValue(k.sectionName(), k.keyName(), {}).toInt(&ok) : 0;
-        return ok ? v : fallback;
+    AppContext &app = m_app;
+    const auto on = [this](std::initializer_list<const char *> names, const std::function<void()> &handler) {
+        for (const char *name : names)
+            m_menus->setHandler(QString::fromLatin1(name), handler);
     };
-    const int width = value(keys::Width, screen.width() - 67);
-    const int height = value(keys::Height, screen.height() - 67);
-    const int left = value(keys::Left, screen.x() + 33);
-    const int top = value(keys::Top, screen.y() + 20);
-    resize(qBound(400, width, screen.width()), qBound(300, height, screen.height()));
-    move(qBound(screen.x(), left, screen.right() - 200), qBound(screen.y(), top, screen.bottom() - 200));
-    const int panelX = value(keys::PanelX, this->width() / 3);
-    const int panelYG = value(keys::PanelYG, this->height() * 3 / 4);
-    const int panelYD = value(keys::PanelYD, this->height() / 2);
-    m_split->setSizes({panelX, qMax(100, this->width() - panelX)});
-    m_splitLeft->setSizes({panelYG, qMax(50, this->height() - panelYG)});
-    m_splitRight->setSizes({panelYD, qMax(50, this->height() - panelYD)});
-    if (recorded && ini.get(keys::WindowState) == u"2")
-        setWindowState(windowState() | Qt::WindowMaximized);
-}
-
-void MainWindow::writeGeometry()
-{
-    IniFile &ini = m_app.ini();
-    const QList<int> x = m_split->sizes();
-    const QList<int> yg = m_splitLeft->sizes();
-    const QList<int> yd = m_splitRight->sizes();
-    const auto panels = [&] {
-        ini.set(keys::PanelX, QString::number(x.value(0)));
-        ini.set(keys::PanelYG, QString::number(yg.value(0)));
-        ini.set(keys::PanelYD, QString::number(yd.value(0)));
-    };
-    if (isMinimized()) {
-        ini.set(keys::WindowState, QStringLiteral("0"));
-        for (const SettingKey *k : {&keys::Top, &keys::Left, &keys::Width, &keys::Height, &keys::PanelX,
-                                    &keys::PanelYD, &keys::PanelYG})
-            ini.set(*k, {});
-    } else if (isMaximized()) {
-        ini.set(keys::WindowState, QStringLiteral("2"));
-        for (const SettingKey *k : {&keys::Top, &keys::Left, &keys::Width, &keys::Height})
-            ini.set(*k, {});
-        panels();
-    } else {
-        ini.set(keys::WindowState, QStringLiteral("0"));
-        ini.set(keys::Top, QString::number(y()));
-        ini.set(keys::Left, QString::number(this->x()));
-        ini.set(keys::Width, QString::number(width()));
-        ini.set(keys::Height, QString::number(height()));
-        panels();
-    }
+    on({ "mnu_doNew0", "newabc" }, [&app] { app.store().createNewFile(); });
+    on({ "mnu_openFile", "open" }, [this] { mnu_openFile_Click(); });
+    on({ "mnu_save0", "save" }, [&app] { mnu_save(app, 0); });
+    on({ "mnu_save1" }, [&app] { mnu_save(app, 1); });
+    on({ "mnu_SaveAll", "saveall" }, [&app] { mnu_SaveAll(app); });
+    on({ "mnu_saveSelTunes0" }, [&app] { mnu_saveSelTunes(app, 0); });
+    // The tunes a search or the marks left black: the selected tunes of all files.
+    on({ "mnu_saveSelTunes1", "mnu_saveTunesFltr" }, [&app] { mnu_saveSelTunes(app, 1); });
+    on({ "mnu_closeFile", "closeabc" }, [&app] { mnu_closeFile(app); });
+    on({ "mnu_closeAll", "closeallabc" }, [&app] { mnu_closeAll(app); });
+    on({ "mnu_showDoublons" }, [this] { mnu_showDoublons_Click(); });
+    on({ "mnu_Quitter" }, [this] { close(); });
+    // F5 and Ctrl+R serve the editor and the score view; they do nothing until those exist.
+    on({ "key_F5", "key_CtrlR" }, [] {});
+    m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
 }
 
 void MainWindow::NodeClick(const QString &key)
 {
-    Node *node = m_app.tree().find(key);
-    if (!node)
+    if (key.isEmpty() || !m_app.tree().find(key))
         return;
-    const KeyKind kind = keyKind(key);
-    const QString kTune = GetKtune(key);
-    m_app.currentTuneKey = kTune;
-    m_app.currentFileKey = kind == KeyKind::Root ? QString() : GetKFile(key);
-    TuneStore &store = m_app.store();
-    if (!kTune.isEmpty())
-        m_text->setPlainText(store.GetStringTune(kTune, false));
-    else if (kind == KeyKind::FileHeader || kind == KeyKind::Trash)
-        m_text->setPlainText(store.GetStringHdrFile(GetKFile(key), false));
-    else
-        m_text->setPlainText(node->Text);
-    m_fileInfo->setText(GetPathFile(m_app, m_app.currentFileKey));
+    tree()->selectKey(key, false);
+    m_status->setTreeKey(key);
+    const NodeSelection selection = describeNodeClick(m_app, key);
+    if (selection.column == SelectionColumn::None)
+        return;
+    applyNodeClick(m_app, selection);
+
+    switch (selection.content) {
+    case PanelContent::Unchanged:
+        break;
+    case PanelContent::Empty:
+        m_textPanel->clearText();
+        break;
+    case PanelContent::Text:
+        m_textPanel->showText(selection.text);
+        // What the filter found in a tune is marked in yellow.
+        if (!selection.tuneKey.isEmpty())
+            m_textPanel->highlight(m_filter->ColorerFind(m_textPanel->text()), QColor(0xFF, 0xFF, 0x00));
+        break;
+    case PanelContent::FileInformation:
+        m_textPanel->showLines(fileInformation(m_app, selection.fileKey));
+        break;
+    }
+    if (selection.selectLine) {
+        const qsizetype at = lineSelectionStart(m_textPanel->text(), selection.line);
+        if (at >= 0)
+            m_textPanel->selectRange(at, selection.line.size());
+    }
+    // The colouring and the score come here with the editor and the score pipeline; until then the
+    // text stays plain and the page blank.
+    m_textPanel->setCaption(selection.caption);
+    m_status->setFilePath(GetPathFile(m_app, m_app.currentFileKey));
 }
 
 void MainWindow::SimulerNodeClick(const QString &key)
 {
-    Node *node = m_app.tree().find(key);
-    if (!node)
+    if (!m_app.tree().find(key))
         return;
-    const QModelIndex index = m_model->indexOf(node);
-    m_tree->setCurrentIndex(index);
-    m_tree->scrollTo(index);
+    tree()->selectKey(key, true);
     NodeClick(key);
 }
 
-QString MainWindow::openPath(const QString &path)
+QString MainWindow::openPath(const QString &path, bool select)
 {
-    const QFileInfo info(path);
-    const QString key = m_app.store().FichierOuvrir(path, false, false, info.exists() && !info.isWritable());
-    if (!key.isEmpty()) {
+    const QString key = m_app.store().FichierOuvrir(path, false, false, readOnlyOnDisk(path));
+    if (key.isEmpty())
+        return {};
+    if (select)
         SimulerNodeClick(key);
-        if (afterOpen)
-            afterOpen(key);
-    }
+    int doubled = 0;
+    ShowDoublonsX(m_app, key, false, doubled);
     return key;
 }
 
@@ -264,58 +367,155 @@ void MainWindow::openHandedOver(const QString &path)
         return;
     raise();
     activateWindow();
-    openPath(path);
+    openPath(path, true);
 }
 
-void MainWindow::openFileDialog()
+void MainWindow::mnu_openFile_Click()
 {
-    const QString msg = QStringLiteral("Msg");
-    const QString path = m_dialogs.openFileName(m_app.text(msg, QStringLiteral("<openABCfile>")), m_app.ini().get(keys::DirDef),
-                                                {m_app.text(msg, QStringLiteral("<ABCfile>")) + QStringLiteral(" (*.abc)"),
-                                                 m_app.text(msg, QStringLiteral("<allFiles>")) + QStringLiteral(" (*)")});
-    if (!path.isEmpty())
-        openPath(path);
+    const QStringList paths = m_app.ui().openFileNames(m_app.text(kMsg, QStringLiteral("<openABCfile>")),
+        m_app.ini().get(keys::DirDef),
+        { m_app.text(kMsg, QStringLiteral("<ABCfile>")) + QStringLiteral(" (*.abc)"),
+            m_app.text(kMsg, QStringLiteral("<allFiles>")) + QStringLiteral(" (*)") });
+    openFiles(paths, true);
+}
+
+void MainWindow::openFiles(const QStringList &paths, bool tellDoubled)
+{
+    QString last;
+    for (const QString &path : paths) {
+        const QString key = m_app.store().FichierOuvrir(path, false, false, readOnlyOnDisk(path));
+        if (key.isEmpty())
+            continue;
+        last = key;
+        int doubled = 0;
+        ShowDoublonsX(m_app, key, false, doubled);
+        if (doubled > 0 && tellDoubled)
+            m_app.ui().message(
+                path + CRLF + CRLF + m_app.text(QStringLiteral("MSG"), QStringLiteral("<dblXinFile>")),
+                UserDialogs::Icon::Information);
+    }
+    if (!last.isEmpty())
+        SimulerNodeClick(last);
+}
+
+void MainWindow::mnu_showDoublons_Click()
+{
+    if (m_app.currentFileKey.isEmpty()) {
+        m_app.ui().message(m_app.text(kMsg, QStringLiteral("<selectFile>")));
+        return;
+    }
+    int doubled = 0;
+    ShowDoublonsX(m_app, m_app.currentFileKey, true, doubled);
+}
+
+void MainWindow::tr_ABC_DblClick()
+{
+    if (m_app.currentTuneKey.isEmpty())
+        return;
+    switch (m_app.ini().getInt(keys::DblClcIdx)) {
+    case 0:
+        // Then the tune plays, once the player exists.
+        m_textPanel->clearSelection();
+        break;
+    default:
+        // 1 edits the tune, 2 adds it to the choice list: they come with the editor and the list.
+        m_app.ui().processEvents();
+        break;
+    }
+}
+
+void MainWindow::tr_ABC_ContextMenu(const QString &, const QPoint &globalPos)
+{
+    if (m_menus->isMenuEnabled(QStringLiteral("mnu_Morceau")))
+        m_menus->popupTuneMenu(globalPos);
+    else if (m_menus->isMenuEnabled(QStringLiteral("mnu_Fichier")))
+        m_menus->popupFileMenu(globalPos);
+}
+
+void MainWindow::ongl_G_Click(int index)
+{
+    // Each tab starts from no selection, so that no command works on a node out of sight.
+    SimulerNodeClick(key::Root);
+    if (QWidget *panel = m_tabs->widget(index))
+        panel->setFocus();
+}
+
+void MainWindow::applyGeometry()
+{
+    const QScreen *screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
+    const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1280, 800);
+    // By default most of a small screen, and a comfortable size on a large one, centred.
+    WindowGeometry defaults;
+    const int width = qMin(avail.width() * 9 / 10, 1600);
+    const int height = qMin(avail.height() * 9 / 10, 1000);
+    defaults.frame = QRect(
+        avail.x() + (avail.width() - width) / 2, avail.y() + (avail.height() - height) / 2, width, height);
+    defaults.panelX = width * 3 / 10;
+    defaults.panelYG = height * 3 / 4;
+    defaults.panelYD = height * 2 / 5;
+
+    const WindowGeometry g = readWindowGeometry(m_app.ini(), defaults);
+    const QSize size(qBound(640, g.frame.width(), qMax(640, avail.width())),
+        qBound(480, g.frame.height(), qMax(480, avail.height())));
+    resize(size);
+    move(qBound(avail.left(), g.frame.x(), qMax(avail.left(), avail.right() - 100)),
+        qBound(avail.top(), g.frame.y(), qMax(avail.top(), avail.bottom() - 100)));
+    const int panelX = qBound(200, g.panelX, qMax(200, size.width() - 200));
+    m_splitX->setSizes({ panelX, size.width() - panelX });
+    // The player takes no more than it can use; what it leaves goes to the tabs.
+    const int player = qMin(m_splitLeft->widget(1)->maximumHeight(), qMax(1, size.height() - g.panelYG));
+    m_splitLeft->setSizes({ g.panelYG, player });
+    m_splitRight->setSizes({ g.panelYD, qMax(1, size.height() - g.panelYD) });
+    if (g.state == WindowGeometry::Maximised)
+        setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+WindowGeometry MainWindow::currentGeometry() const
+{
+    WindowGeometry g;
+    g.state = isMinimized() ? WindowGeometry::Minimised
+        : isMaximized()     ? WindowGeometry::Maximised
+                            : WindowGeometry::Normal;
+    g.frame = QRect(pos(), size());
+    g.panelX = m_splitX->sizes().value(0);
+    g.panelYG = m_splitLeft->sizes().value(0);
+    g.panelYD = m_splitRight->sizes().value(0);
+    return g;
 }
 
 bool MainWindow::Form_Unload()
 {
-    m_dialogs.processEvents();
+    UserDialogs &ui = m_app.ui();
+    ui.processEvents();
     IniFile &ini = m_app.ini();
     const bool reset = ini.get(keys::NbFiles) == u"x";
-    const QString msg = QStringLiteral("Msg");
+    // A tune being edited and a cut tune not pasted are asked about here once editing and cutting exist.
 
-    Node *root = m_app.tree().root();
-    for (int i = 1; root && i < root->childCount(); ++i) {
-        Node *file = root->child(i);
-        if (file->Image != Pic::FileAbcM && file->Image != Pic::FileRoM)
+    for (const QString &kFile : changedFileKeys(m_app)) {
+        const Node *file = m_app.tree().find(kFile);
+        if (!file)
             continue;
-        const auto answer = m_dialogs.question(file->Text + CRLF + CRLF + m_app.text(msg, QStringLiteral("<fileModified>"))
-                                                   + CRLF + CRLF + m_app.text(msg, QStringLiteral("<saveModif>")),
-                                               true);
+        const auto answer
+            = ui.question(file->Text + CRLF + CRLF + m_app.text(kMsg, QStringLiteral("<fileModified>")) + CRLF
+                    + CRLF + m_app.text(kMsg, QStringLiteral("<saveModif>")),
+                true);
         if (answer == UserDialogs::Answer::Cancel)
             return false;
-        if (answer == UserDialogs::Answer::Yes && file->Tag != u"<new>")
-            m_app.store().FichierSaveFromKey(file->Key, file->Tag, QString());
+        if (answer == UserDialogs::Answer::No)
+            continue;
+        // A file never saved, or one that may not be written, is saved under a name the user gives.
+        const bool asNew = file->Tag == u"<new>" || file->Image == Pic::FileRoM;
+        if (!FichierEnregistrer(m_app, kFile, asNew ? 1 : 0))
+            return false; // a save that did not happen must not lose the changes
     }
 
-    m_app.recent().save(ini, reset);
-    writeOpenFiles(m_app, reset);
-    writeGeometry();
-
-    // The trash box keeps its newest tunes only.
-    bool ok = false;
-    const int trashMax = ini.get(keys::TrashMax).toInt(&ok);
-    Node *trashBody = m_app.tree().find(key::TrashBody);
-    bool trashChanged = m_app.store().trashChanged;
-    while (ok && trashBody && trashBody->childCount() > trashMax) {
-        m_app.tree().remove(trashBody->firstChild());
-        trashChanged = true;
-    }
-    if (trashChanged)
-        m_app.store().FichierSaveFromKey(key::Trash, m_app.paths().trashFile(), QString());
-
-    ini.set(keys::Version, versionText());
-    cleanScratchFiles(m_app.paths());
+    QuitState state;
+    state.reset = reset;
+    state.choiceListKeys = m_explorer->choiceListKeys();
+    state.geometry = currentGeometry();
+    state.kept = m_kept;
+    state.kept.zoom = QString::number(m_score->zoom());
+    writeSessionAtQuit(m_app, state);
     return true;
 }
 

@@ -1,64 +1,94 @@
 #pragma once
-#include <QMainWindow>
-#include <functional>
+#include "frame/windowsession.h"
 
-class QLabel;
-class QPlainTextEdit;
+#include <QMainWindow>
+
 class QSplitter;
+class QTabWidget;
+class QToolBar;
 
 namespace fenwork {
 
+class AbcTextPanel;
 class AppContext;
+class ExplorerPanel;
+class FilterPanel;
+class MainMenus;
+class MainStatusBar;
 class ProgressStrip;
+class ScorePanel;
 class TreeModel;
 class TreeView;
-class WidgetDialogs;
 
-// The main window. It composes the panels and runs the load and quit sequences; each panel does
-// its own work.
+// The main window `f_main`. It composes the panels, runs the load and quit sequences, and turns
+// the tree's clicks and the menus' commands into calls of the core; each panel does its own work.
+// Questions and messages go through the application's dialogs (a WidgetDialogs is given this
+// window as parent and the progress strip).
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    MainWindow(AppContext &app, WidgetDialogs &dialogs, QWidget *parent = nullptr);
+    explicit MainWindow(AppContext &app, QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    // Builds every panel and the workspace root; runs once before the window is first shown.
+    // Makes every panel ready and the workspace root; runs once before the window is first shown.
     void MainLoad();
-    // Selects a node as a click would.
+    // Sets the texts of the window from the current language.
+    void LoadLang();
+    // A click on a node: what it shows and which commands work.
+    void NodeClick(const QString &key);
+    // Selects a node as a click would, opening its ancestors and scrolling to it.
     void SimulerNodeClick(const QString &key);
+    // Opens a file as the command line and the last session do, read-only when the file is;
+    // `select` clicks its node. The duplicate X: check follows. Returns the key, or empty.
+    QString openPath(const QString &path, bool select = true);
     // Opens a file handed over by a second start.
     void openHandedOver(const QString &path);
-    // Opens `path` with the read-only flag from its attribute; returns the key or empty.
-    QString openPath(const QString &path);
-    // Runs a duplicate-number check on a freshly opened file (a hook until that check exists).
-    std::function<void(const QString &kFile)> afterOpen;
+    // The quit sequence: asks about unsaved files and writes the session. False: cancelled.
+    bool Form_Unload();
 
-    TreeView *tree() const { return m_tree; }
+    ExplorerPanel *explorer() const { return m_explorer; }
+    TreeView *tree() const;
+    MainMenus *menus() const { return m_menus; }
+    AbcTextPanel *textPanel() const { return m_textPanel; }
+    ScorePanel *scorePanel() const { return m_score; }
+    MainStatusBar *status() const { return m_status; }
     ProgressStrip *progressStrip() const { return m_progress; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    bool Form_Unload();
-    void buildMenus();
-    void NodeClick(const QString &key);
-    void openFileDialog();
+    void buildPanels();
+    void connectCommands();
     void applyGeometry();
-    void writeGeometry();
+    WindowGeometry currentGeometry() const;
+
+    void mnu_openFile_Click();
+    // Opens each file, checks its X: numbers and clicks the last one opened; `tellDoubled` warns of
+    // doubled numbers as the open command does.
+    void openFiles(const QStringList &paths, bool tellDoubled);
+    void mnu_showDoublons_Click();
+    void tr_ABC_DblClick();
+    void tr_ABC_ContextMenu(const QString &key, const QPoint &globalPos);
+    void ongl_G_Click(int index);
+    void showFilterState(bool active);
 
     AppContext &m_app;
-    WidgetDialogs &m_dialogs;
     TreeModel *m_model = nullptr;
-    TreeView *m_tree = nullptr;
+    MainMenus *m_menus = nullptr;
+    QToolBar *m_toolBar = nullptr;
+    QSplitter *m_splitX = nullptr; // PanelX: left against right
+    QSplitter *m_splitLeft = nullptr; // PanelYG: the tabs above the player
+    QSplitter *m_splitRight = nullptr; // PanelYD: the text above the score
+    QTabWidget *m_tabs = nullptr;
+    ExplorerPanel *m_explorer = nullptr;
+    FilterPanel *m_filter = nullptr;
+    AbcTextPanel *m_textPanel = nullptr;
+    ScorePanel *m_score = nullptr;
     ProgressStrip *m_progress = nullptr;
-    QPlainTextEdit *m_text = nullptr;
-    QSplitter *m_split = nullptr;      // PanelX
-    QSplitter *m_splitLeft = nullptr;  // PanelYG
-    QSplitter *m_splitRight = nullptr; // PanelYD
-    QLabel *m_version = nullptr;
-    QLabel *m_fileInfo = nullptr;
+    MainStatusBar *m_status = nullptr;
+    KeptSettings m_kept;
     bool m_quitting = false;
 };
 

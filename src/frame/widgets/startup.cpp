@@ -30,10 +30,11 @@ namespace fenwork {
 
 namespace {
 
-// The last session's file that still exists, opened as the command line would open it.
+// The last session's file that still exists, opened as the command line would open it but left
+// unselected.
 QString reopen(MainWindow &window, const QString &path)
 {
-    return QFileInfo(path).isFile() ? window.openPath(path) : QString();
+    return QFileInfo(path).isFile() ? window.openPath(path, false) : QString();
 }
 
 void offerRecovery(AppContext &app, UserDialogs &ui)
@@ -98,7 +99,7 @@ int Main(const QStringList &arguments)
     splash->show();
     QApplication::processEvents();
 
-    MainWindow window(app, dialogs);
+    MainWindow window(app);
     window.MainLoad();
     window.show();
     splash->close();
@@ -115,7 +116,7 @@ int Main(const QStringList &arguments)
             dialogs.message(QStringLiteral("Command line arguments = ") + commandLine + CRLF + QStringLiteral("----------")
                             + CRLF + QStringLiteral("Can't open this file. Open it manually."));
         } else {
-            lastKey = window.openPath(commandLine);
+            lastKey = window.openPath(commandLine, true);
         }
     } else if (ini.get(keys::Rouvrir) == u"1") {
         for (const QString &path : sessionFilesToRestore(ini)) {

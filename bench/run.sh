@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# make bench: the tune store timings, then the batch companion on a file of 10,000 tunes.
+# Usage: bash bench/run.sh BUILD_DIR
+set -euo pipefail
+
+BUILD=${1:-build}
+BENCH="$BUILD/bench/fenwork_bench"
+CLI="$BUILD/fenwork-cli"
+
+if [ ! -x "$BENCH" ]; then
+  echo "bench: $BENCH is not built" >&2
+  exit 1
+fi
+
+"$BENCH"
+
+echo
+if ! command -v hyperfine >/dev/null; then
+  echo "bench: hyperfine is not installed: fenwork-cli normalize not timed"
+  exit 0
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+status=0
+"$BENCH" --make 10000 "$work/tunes10000.abc" || status=$?
+if [ "$status" -eq 3 ]; then
+  echo "bench: no corpus: fenwork-cli normalize not timed"
+  exit 0
+elif [ "$status" -ne 0 ]; then
+  echo "bench: cannot build the file of 10,000 tunes" >&2
+  exit 1
+fi
+# A user root of its own, so that the settings of the person running the bench play no part.
+export FENNELWORKS_ROOT="$work/root"
+hyperfine --warmup 1 --runs 5 \
+  --command-name "fenwork-cli normalize (10,000 tunes)" \
+  "'$CLI' normalize '$work/tunes10000.abc' '$work/out.abc'"

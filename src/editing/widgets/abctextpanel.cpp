@@ -1,0 +1,173 @@
+#include "editing/widgets/abctextpanel.h"
+
+#include "finding/tunefilter.h"
+#include "store/nodeselection.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QVBoxLayout>
+
+namespace fenwork {
+
+namespace {
+
+QColor blend(const QColor &a, const QColor &b, double share)
+{
+    return QColor::fromRgbF(float(a.redF() * (1 - share) + b.redF() * share),
+        float(a.greenF() * (1 - share) + b.greenF() * share),
+        float(a.blueF() * (1 - share) + b.blueF() * share));
+}
+
+} // namespace
+
+AbcTextPanel::AbcTextPanel(QWidget *parent)
+    : QWidget(parent)
+    , m_caption(new QLabel(this))
+    , m_text(new QPlainTextEdit(this))
+{
+    setObjectName(QStringLiteral("pic_ABC"));
+    m_caption->setObjectName(QStringLiteral("lab_ttr"));
+    m_caption->setTextFormat(Qt::PlainText);
+    m_caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    QFont captionFont = m_caption->font();
+    captionFont.setBold(true);
+    captionFont.setPointSizeF(captionFont.pointSizeF() * 1.15);
+    m_caption->setFont(captionFont);
+    m_caption->setContentsMargins(4, 2, 4, 2);
+
+    m_text->setObjectName(QStringLiteral("txt_ABC"));
+    m_text->setReadOnly(true);
+    m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_text->setUndoRedoEnabled(false);
+    m_text->document()->setDocumentMargin(6);
+    // A read-only editor still lets the keyboard move, select and copy.
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTextFont(QFontDatabase::systemFont(QFontDatabase::FixedFont).family(), 10);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(m_caption);
+    layout->addWidget(m_text, 1);
+    applyLockedLook();
+}
+
+void AbcTextPanel::setCaption(const QString &caption)
+{
+    m_caption->setText(caption);
+    m_caption->setToolTip(caption);
+}
+
+QString AbcTextPanel::caption() const
+{
+    return m_caption->text();
+}
+
+void AbcTextPanel::setTextFont(const QString &family, int pointSize)
+{
+    QFont font(family);
+    // A family that isn't installed must still give a fixed-pitch face: ABC lines are read in columns.
+    font.setStyleHint(QFont::TypeWriter);
+    font.setFixedPitch(true);
+    font.setPointSize(qBound(6, pointSize, 48));
+    m_text->setFont(font);
+    m_text->setTabStopDistance(QFontMetricsF(font).horizontalAdvance(QLatin1Char(' ')) * 4);
+}
+
+void AbcTextPanel::showText(const QString &text)
+{
+    m_text->setExtraSelections({});
+    QString plain = text;
+    plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    if (plain.endsWith(u'\n'))
+        plain.chop(1);
+    m_text->setPlainText(plain);
+}
+
+void AbcTextPanel::showLines(const QList<InfoLine> &lines)
+{
+    m_text->setExtraSelections({});
+    m_text->clear();
+    QTextCursor cursor(m_text->document());
+    QTextCharFormat format;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const int bgr = lines.at(i).color;
+        format.setForeground(QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF));
+        if (i > 0)
+            cursor.insertBlock();
+        cursor.insertText(lines.at(i).text, format);
+    }
+    m_text->moveCursor(QTextCursor::Start);
+}
+
+void AbcTextPanel::clearText()
+{
+    m_text->setExtraSelections({});
+    m_text->clear();
+}
+
+QString AbcTextPanel::text() const
+{
+    return m_text->toPlainText();
+}
+
+void AbcTextPanel::selectRange(qsizetype start, qsizetype length)
+{
+    QTextCursor cursor(m_text->document());
+    cursor.setPosition(int(start));
+    cursor.setPosition(int(start + length), QTextCursor::KeepAnchor);
+    m_text->setTextCursor(cursor);
+    m_text->ensureCursorVisible();
+}
+
+void AbcTextPanel::clearSelection()
+{
+    QTextCursor cursor = m_text->textCursor();
+    cursor.clearSelection();
+    m_text->setTextCursor(cursor);
+}
+
+void AbcTextPanel::highlight(const QVector<HighlightRange> &ranges, const QColor &colour)
+{
+    QList<QTextEdit::ExtraSelection> marks;
+    for (const HighlightRange &range : ranges) {
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(m_text->document());
+        mark.cursor.setPosition(int(range.start));
+        mark.cursor.setPosition(int(range.start + range.length), QTextCursor::KeepAnchor);
+        mark.format.setBackground(colour);
+        marks.append(mark);
+    }
+    m_text->setExtraSelections(marks);
+}
+
+void AbcTextPanel::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
+        applyLockedLook();
+}
+
+// A paper tint over the style's base colour; on a dark palette a shade towards the window colour.
+void AbcTextPanel::applyLockedLook()
+{
+    QPalette pal = palette();
+    const QColor base = pal.color(QPalette::Active, QPalette::Base);
+    const QColor tint = base.lightness() > 128 ? blend(base, QColor(0xF2, 0xEC, 0xD8), 0.55)
+                                               : blend(base, pal.color(QPalette::Window), 0.5);
+    for (const auto group : { QPalette::Active, QPalette::Inactive, QPalette::Disabled })
+        pal.setColor(group, QPalette::Base, tint);
+    // The marked line must stay visible while the tree has the focus.
+    pal.setColor(QPalette::Inactive, QPalette::Highlight, pal.color(QPalette::Active, QPalette::Highlight));
+    pal.setColor(QPalette::Inactive, QPalette::HighlightedText,
+        pal.color(QPalette::Active, QPalette::HighlightedText));
+    if (m_text->palette() != pal)
+        m_text->setPalette(pal);
+}
+
+} // namespace fenwork

@@ -1,0 +1,77 @@
+#include "frame/widgets/mainstatusbar.h"
+
+#include <QLabel>
+
+namespace fenwork {
+
+namespace {
+
+// A long path loses its middle, so that both the folder's start and the file's name stay readable.
+class PathLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+    void setPath(const QString &path)
+    {
+        m_path = path;
+        setToolTip(path);
+        elide();
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QLabel::resizeEvent(event);
+        elide();
+    }
+
+private:
+    void elide()
+    {
+        const int room = contentsRect().width();
+        setText(room > 0 ? fontMetrics().elidedText(m_path, Qt::ElideMiddle, room) : m_path);
+    }
+    QString m_path;
+};
+
+} // namespace
+
+MainStatusBar::MainStatusBar(QWidget *parent)
+    : QStatusBar(parent)
+    , m_file(new PathLabel(this))
+    , m_key(new QLabel(this))
+    , m_version(new QLabel(this))
+{
+    setObjectName(QStringLiteral("stBar"));
+    m_file->setObjectName(QStringLiteral("kfich"));
+    m_key->setObjectName(QStringLiteral("ktree"));
+    m_version->setObjectName(QStringLiteral("kversion"));
+    for (QLabel *label : { m_file, m_key, m_version }) {
+        label->setTextFormat(Qt::PlainText);
+        label->setContentsMargins(4, 0, 4, 0);
+    }
+    m_file->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_file->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_key->setForegroundRole(QPalette::PlaceholderText);
+    addWidget(m_file, 1);
+    addPermanentWidget(m_key);
+    addPermanentWidget(m_version);
+}
+
+void MainStatusBar::setFilePath(const QString &path)
+{
+    m_path = path;
+    static_cast<PathLabel *>(m_file)->setPath(path);
+}
+
+void MainStatusBar::setTreeKey(const QString &key)
+{
+    m_key->setText(key);
+}
+
+void MainStatusBar::setVersionText(const QString &text)
+{
+    m_version->setText(text);
+}
+
+} // namespace fenwork

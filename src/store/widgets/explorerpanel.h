@@ -1,0 +1,42 @@
+#pragma once
+#include <QWidget>
+
+class QLabel;
+class QSplitter;
+class QToolBar;
+class QTreeWidget;
+
+namespace fenwork {
+
+class Language;
+class TreeModel;
+class TreeView;
+class WorkspaceTree;
+
+// The tab `files` (`pic_explor`): the workspace tree `tr_ABC` over the choice list `lst_set` with
+// its tool bar `tb_lstSet`.
+class ExplorerPanel : public QWidget
+{
+    Q_OBJECT
+public:
+    ExplorerPanel(WorkspaceTree &tree, TreeModel *model, QWidget *parent = nullptr);
+
+    TreeView *tree() const { return m_tree; }
+    QTreeWidget *choiceList() const { return m_list; }
+    QToolBar *choiceListToolBar() const { return m_listBar; }
+    QSplitter *splitter() const { return m_split; }
+
+    // The keys of the choice list's tunes, in list order.
+    QStringList choiceListKeys() const;
+    // The list's caption with its count, and the tool tips, in the current language.
+    void loadLang(const Language &lang);
+
+private:
+    TreeView *m_tree;
+    QSplitter *m_split;
+    QLabel *m_listCaption;
+    QToolBar *m_listBar;
+    QTreeWidget *m_list;
+};
+
+} // namespace fenwork

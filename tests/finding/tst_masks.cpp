@@ -1,0 +1,259 @@
+// Saved masks: the file format, reading files that are cut short or garbled, the mask folder.
+#include "testenv.h"
+#include "testmain.h"
+
+#include "finding/masks.h"
+#include "finding/tunefilter.h"
+#include "frame/paths.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace fenwork;
+
+namespace {
+
+FilterConditions sample()
+{
+    FilterConditions c;
+    c.melody = QStringLiteral(" G?A [Bc] ");
+    c.fields[0] = QStringLiteral("trad*");
+    c.fields[20] = QStringLiteral("Reel|Jig");
+    c.fields[32] = QStringLiteral("program 1");
+    c.anywhere = QStringLiteral("Éire");
+    c.ignoreCase = true;
+    c.invert = false;
+    return c;
+}
+
+// Conditions whose every box holds something, to see what a load leaves alone.
+FilterConditions filled()
+{
+    FilterConditions c;
+    c.melody = QStringLiteral("old melody");
+    for (int row = 0; row < kFilterRowCount; ++row)
+        c.fields[row] = QStringLiteral("old %1").arg(row);
+    c.anywhere = QStringLiteral("old anywhere");
+    c.ignoreCase = true;
+    c.invert = true;
+    c.startOnly = true;
+    return c;
+}
+
+QByteArray lines(int count, const QByteArray &end = "\r\n")
+{
+    QByteArray text;
+    for (int i = 1; i <= count; ++i) {
+        if (i == 35 || i == 36)
+            text += " 1 ";
+        else
+            text += "line" + QByteArray::number(i);
+        text += end;
+    }
+    return text;
+}
+
+QString writeMask(const Paths &paths, const QString &name, const QByteArray &bytes)
+{
+    QDir().mkpath(maskFolder(paths));
+    const QString path = QDir(maskFolder(paths)).filePath(name);
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+    return path;
+}
+
+} // namespace
+
+class TestMasks : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fileFormat()
+    {
+        test::TestEnv env;
+        const Paths &paths = env.app().paths();
+        QVERIFY(saveMask(paths, QStringLiteral("Reels"), sample()));
+        const QByteArray bytes = test::readBytes(QDir(maskFolder(paths)).filePath(QStringLiteral("Reels")));
+        QByteArray expected = " G?A [Bc] \r\ntrad*\r\n";
+        for (int row = 1; row < 20; ++row)
+            expected += "\r\n";
+        expected += "Reel|Jig\r\n";
+        for (int row = 21; row < 32; ++row)
+            expected += "\r\n";
+        expected += "program 1\r\n 1 \r\n 0 \r\n" + QStringLiteral("Éire").toUtf8() + "\r\n";
+        QCOMPARE(bytes, expected);
+
+        FilterConditions back;
+        const MaskLoad load = loadMask(paths, QStringLiteral("Reels"), back);
+        QVERIFY(load.opened);
+        QVERIFY2(load.problems.isEmpty(), qPrintable(load.problems.join(u' ')));
+        QCOMPARE(back.melody, sample().melody);
+        QCOMPARE(back.fields, sample().fields);
+        QCOMPARE(back.anywhere, sample().anywhere);
+        QCOMPARE(back.ignoreCase, true);
+        QCOMPARE(back.invert, false);
+    }
+
+    void startOnlyIsNoPartOfAMask()
+    {
+        FilterConditions c = filled();
+        QCOMPARE(applyMaskText(maskText(FilterConditions()), c), QStringList{});
+        QVERIFY(c.startOnly);
+        QVERIFY(!c.ignoreCase);
+        QCOMPARE(c.fields, QStringList(kFilterRowCount));
+    }
+
+    void cutShort_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<bool>("problem");
+        QTest::newRow("empty") << 0 << true;
+        QTest::newRow("melody only") << 1 << true;
+        QTest::newRow("half the rows") << 17 << true;
+        QTest::newRow("rows, no check boxes") << 34 << true;
+        QTest::newRow("one check box") << 35 << true;
+        QTest::newRow("no anywhere line") << 36 << true;
+        QTest::newRow("whole") << 37 << false;
+    }
+    void cutShort()
+    {
+        QFETCH(int, count);
+        QFETCH(bool, problem);
+        FilterConditions c = filled();
+        const QStringList problems = applyMaskText(QString::fromLatin1(lines(count)), c);
+        QCOMPARE(!problems.isEmpty(), problem);
+        if (problem)
+            QVERIFY(problems.first().contains(count == 0 ? QStringLiteral("empty") : QString::number(count)));
+        QCOMPARE(c.melody, count >= 1 ? QStringLiteral("line1") : QStringLiteral("old melody"));
+        for (int row = 0; row < kFilterRowCount; ++row)
+            QCOMPARE(c.fields.at(row), row + 2 <= count ? QStringLiteral("line%1").arg(row + 2) : QStringLiteral("old %1").arg(row));
+        QCOMPARE(c.ignoreCase, count >= 35);
+        QCOMPARE(c.invert, count >= 36);
+        QCOMPARE(c.anywhere, count >= 37 ? QStringLiteral("line37") : QString());
+        QVERIFY(c.startOnly);
+    }
+
+    void checkBoxLines_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("checked");
+        QTest::addColumn<bool>("problem");
+        QTest::newRow("written 1") << QByteArray(" 1 ") << true << false;
+        QTest::newRow("written 0") << QByteArray(" 0 ") << false << false;
+        QTest::newRow("bare 1") << QByteArray("1") << true << false;
+        QTest::newRow("empty") << QByteArray("") << false << false;
+        QTest::newRow("word") << QByteArray("yes") << false << true;
+        QTest::newRow("number and junk") << QByteArray("1x") << true << true;
+        QTest::newRow("two") << QByteArray("2") << true << true;
+    }
+    void checkBoxLines()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, checked);
+        QFETCH(bool, problem);
+        QByteArray text = lines(34);
+        text += line + "\r\n" + line + "\r\nanywhere\r\n";
+        FilterConditions c;
+        const QStringList problems = applyMaskText(QString::fromLatin1(text), c);
+        QCOMPARE(c.ignoreCase, checked);
+        QCOMPARE(c.invert, checked);
+        QCOMPARE(c.anywhere, QStringLiteral("anywhere"));
+        QCOMPARE(problems.size(), problem ? 2 : 0);
+        if (problem) {
+            QVERIFY(problems.at(0).contains(QStringLiteral("35")));
+            QVERIFY(problems.at(1).contains(QStringLiteral("36")));
+        }
+    }
+
+    void otherLineEnds()
+    {
+        for (const QByteArray &end : {QByteArray("\n"), QByteArray("\r")}) {
+            FilterConditions c;
+            QVERIFY(applyMaskText(QString::fromLatin1(lines(37, end)), c).isEmpty());
+            QCOMPARE(c.fields.at(32), QStringLiteral("line34"));
+            QCOMPARE(c.anywhere, QStringLiteral("line37"));
+        }
+        // Without a final line end the last line still counts.
+        FilterConditions c;
+        QVERIFY(applyMaskText(QString::fromLatin1(lines(37).chopped(2)), c).isEmpty());
+        QCOMPARE(c.anywhere, QStringLiteral("line37"));
+    }
+
+    void extraLinesIgnored()
+    {
+        FilterConditions c;
+        const QStringList problems = applyMaskText(QString::fromLatin1(lines(37) + "more\r\nand more\r\n"), c);
+        QCOMPARE(problems.size(), 1);
+        QVERIFY(problems.first().contains(QStringLiteral("39")));
+        QCOMPARE(c.anywhere, QStringLiteral("line37"));
+    }
+
+    void garbledFile()
+    {
+        test::TestEnv env;
+        const Paths &paths = env.app().paths();
+        QByteArray garbage;
+        for (int i = 0; i < 600; ++i)
+            garbage += char((i * 37 + 11) % 256);
+        writeMask(paths, QStringLiteral("Garbage"), garbage);
+        FilterConditions c;
+        const MaskLoad load = loadMask(paths, QStringLiteral("Garbage"), c);
+        QVERIFY(load.opened);
+        QCOMPARE(c.fields.size(), kFilterRowCount);
+    }
+
+    void folder()
+    {
+        test::TestEnv env;
+        const Paths &paths = env.app().paths();
+        QVERIFY(maskNames(paths).isEmpty()); // no folder yet
+        QCOMPARE(freeMaskName(paths), QStringLiteral("NewMask1"));
+        QVERIFY(saveMask(paths, QStringLiteral("NewMask1"), sample()));
+        QVERIFY(saveMask(paths, QStringLiteral("jigs"), sample()));
+        QVERIFY(saveMask(paths, QStringLiteral("Airs"), sample()));
+        QCOMPARE(maskNames(paths), (QStringList{"Airs", "jigs", "NewMask1"}));
+        QCOMPARE(freeMaskName(paths), QStringLiteral("NewMask2"));
+        QVERIFY(maskExists(paths, QStringLiteral("jigs")));
+        QVERIFY(!maskExists(paths, QStringLiteral("Jigs.txt")));
+
+        // Saving again replaces.
+        FilterConditions other;
+        other.anywhere = QStringLiteral("changed");
+        QVERIFY(saveMask(paths, QStringLiteral("jigs"), other));
+        FilterConditions back;
+        loadMask(paths, QStringLiteral("jigs"), back);
+        QCOMPARE(back.anywhere, QStringLiteral("changed"));
+
+        deleteMask(paths, QStringLiteral("jigs"));
+        deleteMask(paths, QStringLiteral("never there"));
+        QCOMPARE(maskNames(paths), (QStringList{"Airs", "NewMask1"}));
+    }
+
+    void badNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("empty") << "";
+        QTest::newRow("dot dot") << "..";
+        QTest::newRow("slash") << "a/b";
+    }
+    void badNames()
+    {
+        QFETCH(QString, name);
+        test::TestEnv env;
+        const Paths &paths = env.app().paths();
+        QString error;
+        QVERIFY(!saveMask(paths, name, sample(), &error));
+        QVERIFY(!error.isEmpty());
+        FilterConditions c;
+        const MaskLoad load = loadMask(paths, name, c);
+        QVERIFY(!load.opened);
+        QVERIFY(!load.error.isEmpty());
+        QVERIFY(!QFileInfo::exists(paths.inUser(QStringLiteral("a"))));
+    }
+};
+
+FENWORK_TEST(TestMasks)
+#include "tst_masks.moc"
