@@ -31,4 +31,24 @@ QString trimBlanks(const QString &text)
     return text.mid(start, end - start);
 }
 
+QString replaceAll(const QString &text, QStringView before, QStringView after)
+{
+    if (before.isEmpty())
+        return text;
+    qsizetype at = QStringView(text).indexOf(before);
+    if (at < 0)
+        return text;
+    QString out;
+    out.reserve(after.size() > before.size() ? text.size() + text.size() / 8 : text.size());
+    qsizetype from = 0;
+    while (at >= 0) {
+        out.append(QStringView(text).mid(from, at - from));
+        out.append(after);
+        from = at + before.size();
+        at = QStringView(text).indexOf(before, from);
+    }
+    out.append(QStringView(text).mid(from));
+    return out;
+}
+
 } // namespace fenwork

@@ -12,6 +12,11 @@ QString trimBlanks(const QString &text);
 QString trimLeftBlanks(const QString &text);
 QString trimRightBlanks(const QString &text);
 
+// Every occurrence of `before` replaced by `after`, left to right, in one pass. QString::replace
+// moves the tail of the string once per batch of matches when the lengths differ, which turns
+// quadratic on a file of many megabytes.
+QString replaceAll(const QString &text, QStringView before, QStringView after);
+
 // Colours are kept as 0xBBGGRR integers throughout the core.
 constexpr int bgr(int r, int g, int b) { return (b << 16) | (g << 8) | r; }
 

@@ -89,10 +89,11 @@ bool normaliseAbcText(QString &text, UserDialogs *ui, QString *error)
 {
     // Every convention of line end, also mixed, becomes CR LF.
     const QString nulPair(2, QChar(0));
-    text.replace(CRLF, nulPair);
-    text.replace(u'\n', nulPair);
-    text.replace(u'\r', nulPair);
-    text.replace(nulPair, CRLF);
+    const QChar lf(u'\n'), cr(u'\r');
+    text = replaceAll(text, CRLF, nulPair);
+    text = replaceAll(text, QStringView(&lf, 1), nulPair);
+    text = replaceAll(text, QStringView(&cr, 1), nulPair);
+    text = replaceAll(text, nulPair, CRLF);
 
     text = trimBlanks(text);
     // A file of blanks and line ends only is as empty as a file of nothing.
@@ -118,13 +119,13 @@ bool normaliseAbcText(QString &text, UserDialogs *ui, QString *error)
     regex.Pattern = QStringLiteral(R"(\| *?\|)");
     text = regex.Replace(text, QStringLiteral("||"));
 
-    text.replace(QStringLiteral("| 1"), QStringLiteral("|1"));
-    text.replace(QStringLiteral(":| 2"), QStringLiteral(":|2"));
-    text.replace(CRLF + u'/', QStringLiteral("/"));
+    text = replaceAll(text, u"| 1", u"|1");
+    text = replaceAll(text, u":| 2", u":|2");
+    text = replaceAll(text, QString(CRLF + u'/'), u"/");
     const QString split = QStringLiteral(":|") + CRLF + QStringLiteral("|:");
-    text.replace(QStringLiteral("::") + CRLF, split);
-    text.replace(QStringLiteral(":|:") + CRLF, split);
-    text.replace(QStringLiteral(":||:") + CRLF, split);
+    text = replaceAll(text, QString(QStringLiteral("::") + CRLF), split);
+    text = replaceAll(text, QString(QStringLiteral(":|:") + CRLF), split);
+    text = replaceAll(text, QString(QStringLiteral(":||:") + CRLF), split);
 
     unglueRepeats(text);
 

@@ -134,9 +134,9 @@ bool TuneStore::FichierSaveFromKey(const QString &kFile, const QString &path, co
     if (m_app.ini().get(keys::ABCstr) == u"1")
         text = abcEscapeEncode(text, &ui);
     if (lineEnd == u"cr")
-        text.replace(CRLF, QStringLiteral("\r"));
+        text = replaceAll(text, CRLF, u"\r");
     else if (lineEnd == u"lf")
-        text.replace(CRLF, QStringLiteral("\n"));
+        text = replaceAll(text, CRLF, u"\n");
     ui.setProgressCaption(QStringLiteral("Save..."));
     ui.processEvents();
     TextEncoding encoding = fileEncoding(kFile);
