@@ -60,6 +60,13 @@ void unglueRepeats(QString &text)
     while (true) {
         const qsizetype end = text.indexOf(CRLF, start);
         const QStringView original = QStringView(text).mid(start, (end < 0 ? text.size() : end) - start);
+        // A spared PostScript block is a run of "@" until it is put back: a repeat sign glued to it
+        // would hide it from the restore and lose the block, so the sign gets a line of its own.
+        if (carry && original.startsWith(u"@@")) {
+            out.append(QStringLiteral("|:"));
+            out.append(CRLF);
+            carry = false;
+        }
         const auto at = [&](qsizetype i) { return carry ? (i < 2 ? QStringLiteral("|:").at(i) : original.at(i - 2)) : original.at(i); };
         const qsizetype length = original.size() + (carry ? 2 : 0);
         const bool glued = length >= 5 && at(0) == u'|' && at(1) == u':' && isAsciiWord(at(2)) && at(3) == u':';

@@ -180,6 +180,9 @@ private slots:
         QTest::newRow("glued inline field not caught") << "K:C\n|:[K:G] abc|" << "K:C\n|:[K:G] abc|";
         QTest::newRow("blanks before a glued repeat") << "K:C\nabc\n   |:K:D\ndef" << "K:C\nabc\n|:K:D\ndef";
         QTest::newRow("glued two word characters") << "K:C\n|:Kx:G\nabc" << "K:C\n|:Kx:G\nabc";
+        QTest::newRow("glued before a PostScript block keeps the block")
+            << "K:C\n|:P:A\n%%beginps\n/x 1 def\n%%endps\nabc|"
+            << "K:C\nP:A\n|:\n%%beginps\n/x 1 def\n%%endps\nabc|";
         QTest::newRow("escapes") << R"(K:C
 w:\'e \`a \^o \~n \"u \oa \,c \/o \ss \ae \AE \'Y)"
                                  << "K:C\nw:é à ô ñ ü å ç ø ß æ Æ Ý";
