@@ -19,18 +19,6 @@ namespace {
 
 const QString kCreatorPrefix = QStringLiteral("%%abc-creator Fennelworks");
 
-// Keeps the view's notices for a node under construction together, whatever path the build ends by.
-class BuildScope
-{
-public:
-    BuildScope(WorkspaceTree &tree, Node *node) : m_tree(tree), m_node(node) { m_tree.beginBuild(node); }
-    ~BuildScope() { m_tree.endBuild(m_node); }
-
-private:
-    WorkspaceTree &m_tree;
-    Node *m_node;
-};
-
 QString fileName(const QString &path)
 {
     const qsizetype slash = path.lastIndexOf(u'/');

@@ -14,17 +14,6 @@ namespace fenwork {
 
 namespace {
 
-class BuildScope
-{
-public:
-    BuildScope(WorkspaceTree &tree, Node *node) : m_tree(tree), m_node(node) { m_tree.beginBuild(node); }
-    ~BuildScope() { m_tree.endBuild(m_node); }
-
-private:
-    WorkspaceTree &m_tree;
-    Node *m_node;
-};
-
 // The X value as the caption shows it: what follows the first ":" of the X: line, trimmed.
 QString xValue(const QString &firstLine)
 {

@@ -92,4 +92,18 @@ private:
     TreeObserver *m_observer = nullptr;
 };
 
+// Keeps the notices of a node under construction together, whatever path the build ends by.
+class BuildScope
+{
+public:
+    BuildScope(WorkspaceTree &tree, Node *node) : m_tree(tree), m_node(node) { m_tree.beginBuild(node); }
+    ~BuildScope() { m_tree.endBuild(m_node); }
+    BuildScope(const BuildScope &) = delete;
+    BuildScope &operator=(const BuildScope &) = delete;
+
+private:
+    WorkspaceTree &m_tree;
+    Node *m_node;
+};
+
 } // namespace fenwork

@@ -48,11 +48,11 @@ public:
         });
         return found;
     }
-    QString key(const QString &spec)
+    QString key(const QString &what)
     {
-        if (spec.startsWith(u'='))
-            return lineKey(file, spec.mid(1));
-        QString k = spec;
+        if (what.startsWith(u'='))
+            return lineKey(file, what.mid(1));
+        QString k = what;
         return k.replace(u'@', file);
     }
 
