@@ -48,7 +48,7 @@ void startProgram(QProcess &process, const QString &root, const QStringList &arg
 // The window is up once its load made the user folders and the instance socket listens.
 bool waitUntilReady(const QString &root)
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 600; ++i) {
         if (QDir(root + QStringLiteral("/user/drone")).exists()) {
             QTest::qWait(300);
             return true;
@@ -63,7 +63,7 @@ bool quit(QProcess &process)
     if (process.processId() <= 0)
         return false;
     ::kill(pid_t(process.processId()), SIGTERM);
-    return process.waitForFinished(10000);
+    return process.waitForFinished(60000);
 }
 
 } // namespace

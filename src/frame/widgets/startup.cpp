@@ -65,6 +65,8 @@ int Main(const QStringList &arguments)
         return 1;
     }
     AppContext app(paths, &dialogs);
+    // Installed early, so that a termination during a slow start still ends in an orderly quit.
+    UnixSignals signalsWatch;
     IniFile &ini = app.ini();
     setupIconTheme();
 
@@ -106,7 +108,6 @@ int Main(const QStringList &arguments)
     splash->deleteLater();
 
     QObject::connect(&instance, &SingleInstance::pathReceived, &window, &MainWindow::openHandedOver);
-    UnixSignals signalsWatch;
     QObject::connect(&signalsWatch, &UnixSignals::terminationRequested, &window, &QWidget::close);
 
     QString lastKey;
@@ -138,6 +139,8 @@ int Main(const QStringList &arguments)
     // The version check runs here once it exists; nothing is fetched at start until then.
 
     QApplication::setQuitOnLastWindowClosed(true);
+    if (signalsWatch.wasRequested() && window.close())
+        return 0;
     return QApplication::exec();
 }
 

@@ -14,10 +14,14 @@ public:
     explicit UnixSignals(QObject *parent = nullptr);
     ~UnixSignals() override;
 
+    // A signal may come before anyone listens (a slow start): it is remembered.
+    bool wasRequested() const { return m_requested; }
+
 signals:
     void terminationRequested();
 
 private:
+    bool m_requested = false;
     QSocketNotifier *m_notifier = nullptr;
 };
 
