@@ -116,9 +116,11 @@ FilterPanel::FilterPanel(AppContext &app, QWidget *parent)
     m_mus->installEventFilter(this);
     m_musLabel->setBuddy(m_mus);
     top->addRow(m_musLabel, m_mus);
+    // Under the melody box across the whole width: beside the label column it made the panel wider
+    // than a laptop's left column.
     m_startOnly = new QCheckBox(this);
     m_startOnly->setObjectName(QStringLiteral("chk_startOnly"));
-    top->addRow(QString(), m_startOnly);
+    top->addRow(m_startOnly);
     m_anywhereLabel = new QLabel(this);
     m_anywhere = new QLineEdit(this);
     m_anywhere->setObjectName(QStringLiteral("txt_anywhere"));
