@@ -12,6 +12,8 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include "frame/clidialogs.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -21,32 +23,15 @@ using namespace fenwork;
 namespace {
 
 // Nobody answers: no alias, No to every question, nothing shown.
-class QuietDialogs : public UserDialogs
+class QuietDialogs : public CliDialogs
 {
 public:
     bool terminated = false;
 
     void message(const QString &, Icon, const QString &) override { }
-    Answer question(const QString &, bool, const QString &) override { return Answer::No; }
-    QString inputText(const QString &, const QString &, const QString &) override { return {}; }
-    QString openFileName(const QString &, const QString &, const QStringList &) override { return {}; }
-    QStringList openFileNames(const QString &, const QString &, const QStringList &) override { return {}; }
-    QString saveFileName(const QString &, const QString &, const QStringList &, int *) override { return {}; }
-    QString folderName(const QString &, const QString &) override { return {}; }
-    void showProgress(bool) override { }
-    void setProgressCaption(const QString &) override { }
-    void setProgressRange(int) override { }
-    void setProgressValue(int value) override { m_value = value; }
-    int progressValue() const override { return m_value; }
-    void setBusy(bool) override { }
     void statusMessage(const QString &) override { }
-    void processEvents() override { }
-    bool escapePressed() override { return false; }
     // The program would end here; the fuzzer goes on with the next input.
     void terminate(int) override { terminated = true; }
-
-private:
-    int m_value = 0;
 };
 
 struct Fixture

@@ -1,5 +1,7 @@
 #include "cli/findcommand.h"
 
+#include "frame/clidialogs.h"
+
 #include "finding/tunefilter.h"
 #include "frame/appcontext.h"
 #include "frame/language.h"
@@ -18,9 +20,8 @@ namespace {
 
 enum { Ok = 0, Failed = 1, Usage = 2 };
 
-// Nobody is there to answer: messages go to the error stream, questions get No, the rest stays
-// silent.
-class FindDialogs : public UserDialogs
+// Messages go to the command's error stream; a failure ends the command, not the process.
+class FindDialogs : public CliDialogs
 {
 public:
     explicit FindDialogs(QTextStream &err) : m_err(err) { }
@@ -32,28 +33,12 @@ public:
         m_err << plain << '\n';
         m_err.flush();
     }
-    Answer question(const QString &, bool, const QString &) override { return Answer::No; }
-    QString inputText(const QString &, const QString &, const QString &) override { return {}; }
-    QString openFileName(const QString &, const QString &, const QStringList &) override { return {}; }
-    QStringList openFileNames(const QString &, const QString &, const QStringList &) override { return {}; }
-    QString saveFileName(const QString &, const QString &, const QStringList &, int *) override { return {}; }
-    QString folderName(const QString &, const QString &) override { return {}; }
-    void showProgress(bool) override { }
-    void setProgressCaption(const QString &) override { }
-    void setProgressRange(int) override { }
-    void setProgressValue(int value) override { m_progress = value; }
-    int progressValue() const override { return m_progress; }
-    void setBusy(bool) override { }
-    void statusMessage(const QString &) override { }
-    void processEvents() override { }
-    bool escapePressed() override { return false; }
     // The store asks for the end of the program only after a failure it also reports by an
     // empty result: that result ends the command.
     void terminate(int) override { }
 
 private:
     QTextStream &m_err;
-    int m_progress = 0;
 };
 
 int usage(QTextStream &err, const QString &text)

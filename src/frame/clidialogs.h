@@ -29,7 +29,8 @@ public:
     void statusMessage(const QString &text) override;
     void processEvents() override { }
     bool escapePressed() override { return false; }
-    [[noreturn]] void terminate(int exitCode) override;
+    // Ends the process; a command that must go on after a failure overrides this.
+    void terminate(int exitCode) override;
 
 private:
     int m_progressValue = 0;
