@@ -11,6 +11,7 @@
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainstatusbar.h"
 #include "frame/widgets/mainwindow.h"
+#include "store/widgets/explorerpanel.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
 #include "store/widgets/treemodel.h"
@@ -19,6 +20,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -32,6 +34,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
+#include <QTreeWidget>
 #include <QUrl>
 #include <memory>
 
@@ -672,6 +675,22 @@ private slots:
         QCOMPARE(marks.first().cursor.selectedText(), QStringLiteral("Second"));
         w.click(kFile + QStringLiteral("_tune1"));
         QVERIFY(w.text()->extraSelections().isEmpty());
+
+        // The result replaced the choice list; "add" keeps what is listed and lists a tune once.
+        auto *list = w.window->findChild<QTreeWidget *>(QStringLiteral("lst_set"));
+        QCOMPARE(list->topLevelItemCount(), 1);
+        QCOMPARE(list->topLevelItem(0)->text(1), QStringLiteral("1"));
+        w.window->findChild<QLineEdit *>(QStringLiteral("txt_Chp20"))->setText(QStringLiteral("i"));
+        w.window->findChild<QComboBox *>(QStringLiteral("lst_resFind"))->setCurrentIndex(1);
+        QTest::mouseClick(w.window->findChild<QPushButton *>(QStringLiteral("bt_Search")), Qt::LeftButton);
+        QCOMPARE(w.window->explorer()->choiceListKeys(),
+            (QStringList { kFile + QStringLiteral("_tune2"), kFile + QStringLiteral("_tune1"), kFile + QStringLiteral("_tune3") }));
+        QVERIFY(w.window->findChild<QLabel *>(QStringLiteral("lab_lstSet"))->text().endsWith(QStringLiteral(" (3) ")));
+
+        // Closing the file takes its tunes out of the list.
+        w.click(kFile);
+        QVERIFY(w.trigger(QStringLiteral("mnu_closeFile")));
+        QCOMPARE(list->topLevelItemCount(), 0);
     }
 
     // Yes saves the changed file, a new file that never changed is not asked about and is not

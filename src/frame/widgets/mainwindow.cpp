@@ -198,6 +198,11 @@ void MainWindow::buildPanels()
     connect(
         m_filter, &FilterPanel::showTreeRequested, this, [this] { m_tabs->setCurrentWidget(m_explorer); });
     connect(m_filter, &FilterPanel::selectNodeRequested, this, &MainWindow::SimulerNodeClick);
+    m_explorer->setTuneIcon(pictureIcon(QStringLiteral("tune"), m_app.paths().programFolder()));
+    ExplorerPanel *explorer = m_explorer;
+    m_filter->filter().setChoiceList({ [explorer] { explorer->clearChoiceList(); },
+        [explorer](const QString &key, const QString &caption) { return explorer->AddTunetolst(key, caption); },
+        [explorer] { explorer->CompterTunesInLst(); } });
     // A save as gives the current file a new path: the status bar follows.
     connect(m_model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from) {
         if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.currentFileKey)
@@ -294,8 +299,10 @@ void MainWindow::connectCommands()
     on({ "mnu_saveSelTunes0" }, [&app] { mnu_saveSelTunes(app, 0); });
     // The tunes a search or the marks left black: the selected tunes of all files.
     on({ "mnu_saveSelTunes1", "mnu_saveTunesFltr" }, [&app] { mnu_saveSelTunes(app, 1); });
-    on({ "mnu_closeFile", "closeabc" }, [&app] { mnu_closeFile(app); });
-    on({ "mnu_closeAll", "closeallabc" }, [&app] { mnu_closeAll(app); });
+    ExplorerPanel *explorer = m_explorer;
+    const auto prune = [explorer] { explorer->EpurerListeChoix(); };
+    on({ "mnu_closeFile", "closeabc" }, [&app, prune] { mnu_closeFile(app, prune); });
+    on({ "mnu_closeAll", "closeallabc" }, [&app, prune] { mnu_closeAll(app, prune); });
     on({ "mnu_showDoublons" }, [this] { mnu_showDoublons_Click(); });
     on({ "mnu_Quitter" }, [this] { close(); });
     // F5 and Ctrl+R serve the editor and the score view; they do nothing until those exist.

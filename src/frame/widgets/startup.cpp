@@ -16,6 +16,8 @@
 #include "frame/widgets/tipsdialog.h"
 #include "frame/widgets/unixsignals.h"
 #include "frame/widgets/widgetdialogs.h"
+#include "frame/windowsession.h"
+#include "store/widgets/explorerpanel.h"
 #include "store/workspacetree.h"
 
 #include <QApplication>
@@ -125,6 +127,12 @@ int Main(const QStringList &arguments)
             if (!key.isEmpty())
                 lastKey = key;
         }
+        // Indices that no longer fit the tree drop out one by one.
+        ExplorerPanel *explorer = window.explorer();
+        for (const QString &key : tempListKeys(app.tree(), ini.get(keys::TempListContents)))
+            if (const Node *node = app.tree().find(key))
+                explorer->AddTunetolst(key, node->Text);
+        explorer->CompterTunesInLst();
     }
 
     if (ini.getBool(keys::SelFirstTune) && !lastKey.isEmpty()) {

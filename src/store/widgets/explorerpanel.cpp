@@ -3,6 +3,7 @@
 #include "frame/language.h"
 #include "store/widgets/treemodel.h"
 #include "store/widgets/treeview.h"
+#include "store/workspacetree.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -50,6 +51,7 @@ ExplorerPanel::ExplorerPanel(WorkspaceTree &tree, TreeModel *model, QWidget *par
     , m_listCaption(new QLabel)
     , m_listBar(new QToolBar)
     , m_list(new QTreeWidget)
+    , m_workspace(tree)
 {
     setObjectName(QStringLiteral("pic_explor"));
     m_split->setObjectName(QStringLiteral("spl_explor"));
@@ -112,11 +114,40 @@ QStringList ExplorerPanel::choiceListKeys() const
     return keys;
 }
 
+bool ExplorerPanel::AddTunetolst(const QString &key, const QString &caption)
+{
+    for (int i = 0; i < m_list->topLevelItemCount(); ++i)
+        if (m_list->topLevelItem(i)->data(0, TreeModel::KeyRole).toString() == key)
+            return false;
+    auto *item = new QTreeWidgetItem(m_list, { caption, QStringLiteral("1") });
+    item->setData(0, TreeModel::KeyRole, key);
+    item->setIcon(0, m_tuneIcon);
+    return true;
+}
+
+void ExplorerPanel::clearChoiceList()
+{
+    m_list->clear();
+}
+
+void ExplorerPanel::EpurerListeChoix()
+{
+    for (int i = m_list->topLevelItemCount() - 1; i >= 0; --i)
+        if (!m_workspace.find(m_list->topLevelItem(i)->data(0, TreeModel::KeyRole).toString()))
+            delete m_list->takeTopLevelItem(i);
+    CompterTunesInLst();
+}
+
+void ExplorerPanel::CompterTunesInLst()
+{
+    m_listCaption->setText(m_listCaptionText + QStringLiteral(" (") + QString::number(m_list->topLevelItemCount())
+        + QStringLiteral(") "));
+}
+
 void ExplorerPanel::loadLang(const Language &lang)
 {
-    const QString mainForm = QStringLiteral("MainForm");
-    m_listCaption->setText(lang.text(mainForm, QStringLiteral("<lstTunes>")) + QStringLiteral(" (")
-        + QString::number(m_list->topLevelItemCount()) + QStringLiteral(") "));
+    m_listCaptionText = lang.text(QStringLiteral("MainForm"), QStringLiteral("<lstTunes>"));
+    CompterTunesInLst();
     const QString menus = QStringLiteral("Menus");
     for (const ListCommand &command : kListCommands)
         if (QAction *action = m_listBar->findChild<QAction *>(QString::fromLatin1(command.name)))

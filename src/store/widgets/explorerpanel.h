@@ -1,4 +1,5 @@
 #pragma once
+#include <QIcon>
 #include <QWidget>
 
 class QLabel;
@@ -28,6 +29,16 @@ public:
 
     // The keys of the choice list's tunes, in list order.
     QStringList choiceListKeys() const;
+
+    // The choice list: an item per tune key with the caption it had when added and its
+    // repetitions ("1" at first). Returns false when the key is listed already.
+    bool AddTunetolst(const QString &key, const QString &caption);
+    void clearChoiceList();
+    // Drops the items whose tune is no longer in the tree.
+    void EpurerListeChoix();
+    // The caption "<lstTunes> (n) ".
+    void CompterTunesInLst();
+    void setTuneIcon(const QIcon &icon) { m_tuneIcon = icon; }
     // The list's caption with its count, and the tool tips, in the current language.
     void loadLang(const Language &lang);
 
@@ -37,6 +48,9 @@ private:
     QLabel *m_listCaption;
     QToolBar *m_listBar;
     QTreeWidget *m_list;
+    WorkspaceTree &m_workspace;
+    QIcon m_tuneIcon;
+    QString m_listCaptionText;
 };
 
 } // namespace fenwork
