@@ -14,6 +14,13 @@ fi
 
 "$BENCH"
 
+# Each subsystem's own figures (score, playback ...), one script each.
+for part in "$(dirname "$0")"/parts/*.sh; do
+  [ -e "$part" ] || continue
+  echo
+  bash "$part" "$BUILD"
+done
+
 echo
 if ! command -v hyperfine >/dev/null; then
   echo "bench: hyperfine is not installed: fenwork-cli normalize not timed"

@@ -5,6 +5,7 @@
 #include "frame/language.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
+#include "frame/toolrunner.h"
 #include "frame/version.h"
 #include "store/recentfiles.h"
 #include "store/tunestore.h"
@@ -22,7 +23,8 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_tree(std::make_unique<WorkspaceTree>()),
       m_commands(std::make_unique<CommandState>()),
       m_recent(std::make_unique<RecentFiles>(paths.cacheFolder())),
-      m_store(std::make_unique<TuneStore>(*this))
+      m_store(std::make_unique<TuneStore>(*this)),
+      m_tools(std::make_unique<ToolRunner>(*this))
 {
     m_store->recent = m_recent.get();
     m_lang->setName(m_ini->get(keys::Lang));

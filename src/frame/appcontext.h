@@ -12,6 +12,7 @@ namespace fenwork {
 class CommandState;
 class IniFile;
 class RecentFiles;
+class ToolRunner;
 class TuneStore;
 class Language;
 class UserDialogs;
@@ -33,6 +34,7 @@ public:
     CommandState &commands() const { return *m_commands; }
     TuneStore &store() const { return *m_store; }
     RecentFiles &recent() const { return *m_recent; }
+    ToolRunner &tools() const { return *m_tools; }
 
     // Shorthand for lang().text(section, key).
     QString text(const QString &section, const QString &key) const;
@@ -42,6 +44,8 @@ public:
     // "%%abc-creator Fennelworks <version> [<date>]"
     QString creatorLine;
     int tempoDef = 100;
+    // Given to abcm2ps after its options: empty, or the format file and tablature switches.
+    QString scoreExtras;
     // Set by the node selection: what most commands work on.
     QString currentTuneKey;
     QString currentFileKey;
@@ -58,6 +62,7 @@ private:
     std::unique_ptr<CommandState> m_commands;
     std::unique_ptr<RecentFiles> m_recent;
     std::unique_ptr<TuneStore> m_store;
+    std::unique_ptr<ToolRunner> m_tools;
 };
 
 } // namespace fenwork
