@@ -156,9 +156,11 @@ class TestMainWindow : public QObject
     Q_OBJECT
 
 private slots:
-    void controlsByName_data()
+    // Tests and readers find the controls by the names the menus and panels are known by.
+    void controlsByName()
     {
-        QTest::addColumn<QString>("name");
+        Window w;
+        QStringList missing;
         for (const char *name : { "tr_ABC", "txt_ABC", "lab_ttr", "lst_set", "tb_lstSet", "ongl_G",
                  "pic_explor", "pic_search", "pic_Ref", "pic_Player", "pic_Mus", "img_Mus", "scr_musH",
                  "scr_musV", "stBar", "kversion", "kfich", "ktree", "pic_Progress", "ProgB", "lab_Progress",
@@ -172,13 +174,9 @@ private slots:
                  "newabc", "closeabc", "closeallabc", "toolsf", "extract", "newtune", "tunedel", "tunecut",
                  "tunecopy", "tunepaste", "print", "printtune", "printfile", "printlst", "tomidi", "topdf",
                  "topdftune", "topdffile", "topdflst", "playfile", "playall", "playselect", "quickscan" })
-            QTest::newRow(name) << QString::fromLatin1(name);
-    }
-    void controlsByName()
-    {
-        QFETCH(QString, name);
-        Window w;
-        QVERIFY2(w.window->findChild<QObject *>(name), qPrintable(name));
+            if (!w.window->findChild<QObject *>(QString::fromLatin1(name)))
+                missing.append(QString::fromLatin1(name));
+        QCOMPARE(missing, QStringList());
     }
 
     // After the load nothing is selected: what needs a node waits, what does not works, and
@@ -197,10 +195,6 @@ private slots:
         QTest::newRow("close") << "mnu_closeFile" << false;
         QTest::newRow("save all, no file") << "mnu_SaveAll" << false;
         QTest::newRow("save filtered") << "mnu_saveTunesFltr" << false;
-        QTest::newRow("open by address, to come") << "mnu_openUrl" << false;
-        QTest::newRow("cut, to come") << "tunecut" << false;
-        QTest::newRow("options, to come") << "mnu_Options" << false;
-        QTest::newRow("Esc, to come") << "key_Esc" << false;
     }
     void enabledAfterLoad()
     {
@@ -210,42 +204,6 @@ private slots:
         QVERIFY(w.action(name));
         QCOMPARE(w.action(name)->isEnabled(), enabled);
         QVERIFY(!w.window->menus()->isMenuEnabled(QStringLiteral("mnu_Morceau")));
-    }
-
-    void textsAndKeys_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QKeySequence>("keys");
-        QTest::newRow("open") << "mnu_openFile"
-                              << "&Open..." << QKeySequence(QStringLiteral("Ctrl+O"));
-        QTest::newRow("new file") << "mnu_doNew0"
-                                  << "ABC &file" << QKeySequence(QStringLiteral("Ctrl+N"));
-        QTest::newRow("save") << "mnu_save0"
-                              << "&Save" << QKeySequence(QStringLiteral("Ctrl+S"));
-        QTest::newRow("save as") << "mnu_save1"
-                                 << "Save &as..." << QKeySequence(QStringLiteral("Ctrl+Shift+S"));
-        QTest::newRow("close") << "mnu_closeFile"
-                               << "&Close" << QKeySequence(QStringLiteral("Ctrl+W"));
-        QTest::newRow("close all") << "mnu_closeAll"
-                                   << "Clos&e all" << QKeySequence(QStringLiteral("Ctrl+Shift+W"));
-        QTest::newRow("quit") << "mnu_Quitter"
-                              << "&Quit" << QKeySequence(QStringLiteral("Ctrl+Q"));
-        QTest::newRow("open button") << "open"
-                                     << "Open an ABC file (Ctrl+O)" << QKeySequence();
-        QTest::newRow("F5") << "key_F5"
-                            << "" << QKeySequence(QStringLiteral("F5"));
-        QTest::newRow("Ctrl+R") << "key_CtrlR"
-                                << "" << QKeySequence(QStringLiteral("Ctrl+R"));
-    }
-    void textsAndKeys()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, text);
-        QFETCH(QKeySequence, keys);
-        Window w;
-        QCOMPARE(w.action(name)->text(), text);
-        QCOMPARE(w.action(name)->shortcut(), keys);
     }
 
     // Two commands on one key would make the key do nothing at all.
