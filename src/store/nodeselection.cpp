@@ -145,8 +145,7 @@ SelectionFacts selectionFacts(const AppContext &app, const NodeSelection &select
     facts.fileChanged = !selection.fileKey.isEmpty() && isChangedFile(tree.find(selection.fileKey));
     const Node *trashBody = tree.find(key::TrashBody);
     facts.trashHoldsTune = trashBody && trashBody->childCount() > 0;
-    // Nothing can be cut or copied yet, so nothing waits to be pasted.
-    facts.tunePending = false;
+    facts.tunePending = !app.store().pendingTune.isEmpty();
     return facts;
 }
 

@@ -66,6 +66,14 @@ public:
     RecentFiles *recent = nullptr;
     // Called when a new file wants to be selected (the window selects the node).
     std::function<void(const QString &key)> selectNode;
+    // A cut or copied tune waiting to be pasted, and one being dragged: key, CR LF, text.
+    QString pendingTune;
+    QString pendingDrag;
+    // The desktop's clipboard; unset in the batch companion and in tests that do not need it.
+    std::function<void(const QString &text)> setClipboardText;
+    std::function<QString()> clipboardText;
+    // Drops the choice list's items whose tune is gone.
+    std::function<void()> pruneChoiceList;
 
 private:
     // The tune of `lines` (the X: line first); blank lines are skipped.
