@@ -1,0 +1,305 @@
+// Play preparation: the voice check, the tempo search and its quirks, the selection and one-line
+// texts, the listening options, the inserted lines, and a real conversion by abc2midi.
+#include "testenv.h"
+#include "testmain.h"
+
+#include "frame/appcontext.h"
+#include "frame/strutil.h"
+#include "playback/playprep.h"
+
+#include <QDir>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace fenwork;
+
+namespace {
+
+// Lines joined with CR LF, the line end of every text in memory.
+QString crlf(const QStringList &lines)
+{
+    return lines.join(CRLF);
+}
+
+QString tune(const QString &tempoLine, const QString &body = QStringLiteral("ABcd|efga|"))
+{
+    QStringList lines { QStringLiteral("X:1"), QStringLiteral("T:Test") };
+    if (!tempoLine.isEmpty())
+        lines << tempoLine;
+    lines << QStringLiteral("M:4/4") << QStringLiteral("K:G") << body << QString();
+    return crlf(lines);
+}
+
+// The prepared text with the program block taken out again: what is left is the tune as
+// rewritten, plus any inserted Q: line.
+QString withoutBlock(const QString &text)
+{
+    QStringList kept;
+    const QStringList lines = text.split(CRLF);
+    for (const QString &line : lines) {
+        if (!line.startsWith(u"%%MIDI program "))
+            kept << line;
+    }
+    return kept.join(CRLF);
+}
+
+PlayText prepare(const QString &text, const PlayOptions &options = {}, const QString &header = {})
+{
+    PlayInput input;
+    input.text = text;
+    input.fileHeader = header;
+    input.tempoDef = QStringLiteral("100");
+    return preparePlayText(input, options);
+}
+
+} // namespace
+
+class TestPlayPrep : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void meterLines_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("two, in order")
+            << crlf({ "X:1", "M:6/8", "K:G", "ABc|", "M:3/4", "d2e|" }) << QStringList { "M:6/8", "M:3/4" };
+        QTest::newRow("none") << crlf({ "X:1", "K:G", "ABc|" }) << QStringList {};
+        QTest::newRow("indented and inline do not count")
+            << crlf({ " M:2/4", "[M:3/4]ABc|", "M:C|" }) << QStringList { "M:C|" };
+    }
+    void meterLines()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, expected);
+        QCOMPARE(GetM(text), expected);
+    }
+
+    void voiceCheck_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("refused");
+        QTest::addColumn<QString>("selected"); // from voicePos to voiceLineEnd
+        QTest::newRow("no voice") << tune("Q:1/4=120") << false << QString();
+        QTest::newRow("one voice") << crlf({ "X:1", "T:Solo", "K:G", "V:1 clef=treble", "ABc|", "" }) << true
+                                   << QString("V:1 clef=treble");
+        QTest::newRow("two voices") << crlf({ "X:1", "K:G", "V:1", "ABc|", "V:2", "GAB|", "" }) << false
+                                    << QString();
+        QTest::newRow("a comment counts as the second")
+            << crlf({ "X:1", "K:G", "% V: later", "V:1", "ABc|", "" }) << false << QString();
+        QTest::newRow("a lyric counts as the only one")
+            << crlf({ "X:1", "K:G", "ABc|", "w:V:oice", "" }) << true << QString("V:oice");
+        QTest::newRow("on the last line")
+            << crlf({ "X:1", "K:G", "V:1 nm=\"x\"" }) << true << QString("V:1 nm=\"x\"");
+    }
+    void voiceCheck()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, refused);
+        QFETCH(QString, selected);
+        const PlayText out = prepare(text);
+        QCOMPARE(out.oneVoiceRefused, refused);
+        if (refused) {
+            QCOMPARE(text.mid(out.voicePos, out.voiceLineEnd - out.voicePos), selected);
+            QVERIFY(out.text.isEmpty());
+        } else {
+            QVERIFY(!out.text.isEmpty());
+        }
+    }
+
+    void tempo_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("header");
+        QTest::addColumn<QString>("tempoDef");
+        QTest::addColumn<QString>("nominal");
+        QTest::addColumn<bool>("to100");
+        QTest::addColumn<QString>("inserted"); // the Q: line put in, empty for none
+
+        const QString none;
+        QTest::newRow("tune, with =") << tune("Q:1/4=120") << none << "100"
+                                      << "120" << true << none;
+        QTest::newRow("tune, text and =") << tune("Q:\"Allegro\" 3/8= 96") << none << "100"
+                                          << "96" << true << none;
+        QTest::newRow("tune, bare number reads 0") << tune("Q:90") << none << "100"
+                                                   << "0" << true << none;
+        QTest::newRow("tune wins over header") << tune("Q:1/4=132") << "Q:1/4=60\r\n"
+                                               << "100"
+                                               << "132" << true << none;
+        QTest::newRow("after % is a comment") << tune("%Q:1/4=80") << none << "100"
+                                              << "100" << false << "Q:100";
+        QTest::newRow("after \"% \" counts") << tune("% Q:1/4=80") << none << "100"
+                                             << "80" << true << none;
+        QTest::newRow("search goes on behind a commented one")
+            << tune("%Q:1/4=80", "ABc|\r\nQ:1/4=140\r\nd|") << none << "100"
+            << "140" << true << none;
+        QTest::newRow("tempoDef when nothing holds Q:") << tune(none) << "%%scale 0.8\r\n"
+                                                        << "72"
+                                                        << "72" << false << "Q:72";
+        QTest::newRow("header, with =") << tune(none) << "%%pagewidth 20cm\r\nQ:1/4=96\r\n"
+                                        << "100"
+                                        << "96" << true << "Q:96";
+        QTest::newRow("header, bare number") << tune(none) << "Q:84\r\nL:1/8\r\n"
+                                             << "100"
+                                             << "84" << true << "Q:84";
+        QTest::newRow("header, = above the Q: line is taken") << tune(none) << "%%text a=3\r\nQ:80\r\n"
+                                                              << "100"
+                                                              << "3" << true << "Q:3";
+        QTest::newRow("header, = below the Q: line is not") << tune(none) << "Q:80\r\n%%text a=3\r\n"
+                                                            << "100"
+                                                            << "80" << true << "Q:80";
+        QTest::newRow("header, no % check") << tune(none) << "%Q:1/4=66\r\n"
+                                            << "100"
+                                            << "66" << true << "Q:66";
+    }
+    void tempo()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, header);
+        QFETCH(QString, tempoDef);
+        QFETCH(QString, nominal);
+        QFETCH(bool, to100);
+        QFETCH(QString, inserted);
+
+        PlayInput input;
+        input.text = text;
+        input.fileHeader = header;
+        input.tempoDef = tempoDef;
+        PlayOptions options;
+        options.gmProgram = 40;
+        const PlayText out = preparePlayText(input, options);
+        QCOMPARE(out.nominalTempo, nominal);
+        QCOMPARE(out.tempoTo100, to100);
+
+        // Every program behind the first line, the chosen one last; the tune's own Q: line
+        // stays, an inserted one follows the block.
+        const QStringList lines = out.text.split(CRLF);
+        QCOMPARE(lines.at(0), QStringLiteral("X:1"));
+        for (int p = 1; p <= 127; ++p)
+            QCOMPARE(lines.at(p), QStringLiteral("%%MIDI program %1").arg(p));
+        QCOMPARE(lines.at(128), QStringLiteral("%%MIDI program 40"));
+        if (inserted.isEmpty()) {
+            QCOMPARE(lines.at(129), QStringLiteral("T:Test"));
+            QCOMPARE(out.text.size(), text.size() + midiProgramBlock(40).size() + 2);
+        } else {
+            QCOMPARE(lines.at(129), inserted);
+            QCOMPARE(lines.at(130), QStringLiteral("T:Test"));
+        }
+    }
+
+    void listeningOptions_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<bool>("noChords");
+        QTest::addColumn<bool>("noGrace");
+        QTest::addColumn<bool>("noRepeats");
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("nothing ticked")
+            << "\"G\"{g}A~Bc:|2de|" << false << false << false << "\"G\"{g}A~Bc:|2de|";
+        QTest::newRow("chords") << "\"G\"ABc \"D7\"d2|" << true << false << false << "ABc d2|";
+        QTest::newRow("annotations go with the chords")
+            << "\"^Fine\"ABc \"_slow\"d \"@here\"e|" << true << false << false << "ABc d e|";
+        QTest::newRow("chords leave grace notes") << "\"G\"{ga}A~B|" << true << false << false << "{ga}A~B|";
+        QTest::newRow("grace notes and rolls")
+            << "\"G\"{ga}A~B{/c}d|" << false << true << false << "\"G\"ABd|";
+        QTest::newRow("both") << "\"G\"{ga}A~B \"Em\"e|" << true << true << false << "AB e|";
+        QTest::newRow("an open quote does not reach the next line")
+            << "\"G ABc|\r\nd\"e\"f|" << true << false << false << "\"G ABc|\r\ndf|";
+        QTest::newRow("shortest match on a line") << "\"G\"A\"C\"B|" << true << false << false << "AB|";
+        QTest::newRow("repeats") << "|:ABc:|2de|1fg::ab|]" << false << false << true << "|ABc|de|fg|ab|]";
+        QTest::newRow("second ending before the plain sign")
+            << "ABc:|2de|" << false << false << true << "ABc|de|";
+        QTest::newRow("bracketed endings stay")
+            << "|:AB:|[1cd:|[2ef|" << false << false << true << "|AB|[1cd|[2ef|";
+        QTest::newRow("chords and repeats together")
+            << "|:\"G\"AB:|\"D\"c|" << true << false << true << "|AB|c|";
+    }
+    void listeningOptions()
+    {
+        QFETCH(QString, body);
+        QFETCH(bool, noChords);
+        QFETCH(bool, noGrace);
+        QFETCH(bool, noRepeats);
+        QFETCH(QString, expected);
+        PlayOptions options;
+        options.noChords = noChords;
+        options.noGrace = noGrace;
+        options.noRepeats = noRepeats;
+        const PlayText out = prepare(tune("Q:1/4=100", body), options);
+        QCOMPARE(withoutBlock(out.text), tune("Q:1/4=100", expected));
+        QVERIFY(!out.text.contains(QChar(0)));
+    }
+
+    void textChoice_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("selection");
+        QTest::addColumn<bool>("oneLine");
+        QTest::addColumn<QString>("expected"); // without the program block
+
+        const QString withTempo
+            = crlf({ "X:7", "T:Sel", "Q:1/4=150", "K:Ador % mode", "|:ABc d2|", "K:G", "gfe|", "" });
+        const QString noKey = crlf({ "X:7", "T:Sel", "Q:1/4=150", "ABc|", "" });
+        const QString noTempo = crlf({ "X:7", "T:Sel", "K:D", "ABc|", "" });
+        QTest::newRow("whole text") << withTempo << QString() << false << withTempo;
+        QTest::newRow("selection under X:1 and the first K:, no tempo carried")
+            << withTempo << "d2|" << false << crlf({ "X:1", "K:Ador % mode", "d2|", "" });
+        QTest::newRow("selection without K: gets K:C")
+            << noKey << "ABc" << false << crlf({ "X:1", "K:C", "ABc", "" });
+        QTest::newRow("selection of a tune without tempo gets tempoDef")
+            << noTempo << "ABc|" << false << crlf({ "X:1", "Q:100", "K:D", "ABc|", "" });
+        QTest::newRow("selection over two lines")
+            << withTempo << "d2|\r\nK:G" << false << crlf({ "X:1", "K:Ador % mode", "d2|", "K:G", "" });
+        QTest::newRow("one line") << withTempo << QString() << true << "CURRENT";
+        QTest::newRow("selection wins over one line")
+            << withTempo << "gfe" << true << crlf({ "X:1", "K:Ador % mode", "gfe", "" });
+    }
+    void textChoice()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, selection);
+        QFETCH(bool, oneLine);
+        QFETCH(QString, expected);
+        PlayInput input;
+        input.text = text;
+        input.selection = selection;
+        input.currentLineTune = crlf({ "X:7", "T:Sel", "K:Ador % mode", "gfe|", "" });
+        input.tempoDef = QStringLiteral("100");
+        PlayOptions options;
+        options.oneLine = oneLine;
+        if (expected == u"CURRENT")
+            expected = input.currentLineTune;
+        QCOMPARE(withoutBlock(preparePlayText(input, options).text), expected);
+    }
+
+    void convertRealTune()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("abc2midi")).isEmpty())
+            QSKIP("abc2midi is not installed");
+        test::TestEnv env;
+        const QString text = crlf({ "X:1", "T:Fenwick Lane", "T:Éire", "C:trad., set by us", "M:6/8", "L:1/8",
+            "Q:3/8=100", "K:D", "|:\"D\"A2F AFD|\"G\"B2G \"A\"ABc|\"D\"d2A FAd|\"A\"e2c \"D\"d3:|",
+            "|:{g}f2d ~e2c|\"G\"dBG \"A\"A3|\"D\"FAd \"A\"ceg|[1\"D\"d3 d2A:|[2\"D\"d3 z3|]" });
+        PlayOptions options;
+        options.noChords = true;
+        options.gmProgram = 73;
+        const PlayText prepared = prepare(text, options);
+        QVERIFY(!prepared.oneVoiceRefused);
+
+        const QString answer = convertToMidi(env.app(), prepared.text);
+        const QString cache = env.app().paths().cacheFolder();
+        // Written in UTF-8 with one line end at the end, whatever the runner does.
+        QCOMPARE(test::readBytes(QDir(cache).filePath(QStringLiteral("tmp.abc"))),
+            (prepared.text + CRLF).toUtf8());
+        if (answer == u"not available")
+            QSKIP("the tool runner cannot start commands yet");
+        QCOMPARE(answer, QString());
+        const QByteArray midi = test::readBytes(QDir(cache).filePath(QStringLiteral("tmp.mid")));
+        QVERIFY2(midi.startsWith("MThd"), midi.left(16).toHex().constData());
+    }
+};
+
+FENWORK_TEST(TestPlayPrep)
+#include "tst_playprep.moc"
