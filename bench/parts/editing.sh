@@ -11,3 +11,4 @@ if [ ! -x "$BENCH" ]; then
   exit 1
 fi
 "$BENCH"
+if [ -x "$BUILD/bench/editing/bench_keystroke" ]; then "$BUILD/bench/editing/bench_keystroke"; fi

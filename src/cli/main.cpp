@@ -1,6 +1,7 @@
 // fenwork-cli: the batch companion of Fennelworks, on the core alone.
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
+#include "cli/rendercommand.h"
 
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"
@@ -20,15 +21,22 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("fenwork-cli"));
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty()) {
-        cli::writeErr(cli::helpText());
+        cli::writeErr(cli::helpText() + u'\n' + renderCommandHelp());
         return cli::Usage;
     }
     const QString command = args.takeFirst();
     if (command == u"help" || command == u"--help" || command == u"-h") {
-        cli::writeOut(cli::helpText());
+        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp());
         return cli::Ok;
     }
 
+    if (command == u"render") {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runRenderCommand(args, out, err);
+    }
     if (command == u"find") {
         // Sets up its own context: it opens the file read-only.
         QTextStream out(stdout);

@@ -86,6 +86,7 @@ inline constexpr SettingKey VisuPdf{"Tools", "VisuPdf", ""};
 inline constexpr SettingKey TempoDef{"Player", "tempoDef", "100"};
 inline constexpr SettingKey NbRepeat{"Player", "nbRepeat", "1"};
 inline constexpr SettingKey DefaultGM{"Player", "DefaultGM", "0"};
+inline constexpr SettingKey SoundFont{"Player", "SoundFont", ""}; // empty: the largest GM font installed
 // Editeur
 inline constexpr SettingKey SeeScore{"Editeur", "seeScore", "1"};
 inline constexpr SettingKey SeeKbd{"Editeur", "SeeKbd", "1"};

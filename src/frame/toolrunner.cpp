@@ -1,30 +1,456 @@
 #include "frame/toolrunner.h"
 
 #include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/language.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/textfile.h"
+#include "frame/userdialogs.h"
+#include "store/node.h"
+#include "store/treeops.h"
+#include "store/tunestore.h"
+#include "store/workspacetree.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace fenwork {
 
-// Placeholder bodies: the runner is being written.
-QString toolPath(const AppContext &, Tool) { return {}; }
-QString toolOptions(const AppContext &, Tool) { return {}; }
-QString commandAbc2ps(const AppContext &, const QString &, const QString &) { return {}; }
-QString commandAbc2midi(const AppContext &, const QString &, const QString &) { return {}; }
-QString commandAbc2abc(const AppContext &, const QString &, int, const QString &) { return {}; }
-QString commandMidi2abc(const AppContext &, const QString &, const QString &) { return {}; }
+namespace {
 
-ToolRunner::ToolRunner(AppContext &app) : m_app(app) {}
-ToolRunner::~ToolRunner() = default;
+const QString kQuote = QStringLiteral("\"");
 
-bool ToolRunner::startCommand(const QString &, int, QString *error)
+QString quoted(const QString &text)
 {
-    if (error)
-        *error = QStringLiteral("not available");
+    return kQuote + text + kQuote;
+}
+
+const SettingKey &pathKey(Tool tool)
+{
+    switch (tool) {
+    case Tool::Abc2ps:
+        return keys::Tool2ps;
+    case Tool::Abc2midi:
+        return keys::Tool2midi;
+    case Tool::Abc2abc:
+        return keys::Tool2abc;
+    case Tool::Midi2abc:
+        break;
+    }
+    return keys::ToolMidi2abc;
+}
+
+const SettingKey &optionKey(Tool tool)
+{
+    switch (tool) {
+    case Tool::Abc2ps:
+        return keys::Cmd2ps;
+    case Tool::Abc2midi:
+        return keys::Cmd2midi;
+    case Tool::Abc2abc:
+        return keys::Cmd2abc;
+    case Tool::Midi2abc:
+        break;
+    }
+    return keys::CmdMidi2abc;
+}
+
+// A file that exists, is not empty, and that we can open for appending without changing it.
+bool openableForAppend(const QString &path)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    ::close(fd);
+    return true;
+}
+
+} // namespace
+
+QString toolName(Tool tool)
+{
+    switch (tool) {
+    case Tool::Abc2ps:
+        return QStringLiteral("abcm2ps");
+    case Tool::Abc2midi:
+        return QStringLiteral("abc2midi");
+    case Tool::Abc2abc:
+        return QStringLiteral("abc2abc");
+    case Tool::Midi2abc:
+        break;
+    }
+    return QStringLiteral("midi2abc");
+}
+
+QString toolPath(const AppContext &app, Tool tool)
+{
+    const QString set = app.ini().get(pathKey(tool));
+    if (!set.isEmpty() && QFileInfo(set).isFile())
+        return set;
+    const QString found = QStandardPaths::findExecutable(toolName(tool));
+    if (!found.isEmpty())
+        return found;
+    // Nothing to run: the start fails and the caller's wait runs into its limit.
+    return set.isEmpty() ? toolName(tool) : set;
+}
+
+QString toolOptions(const AppContext &app, Tool tool)
+{
+    const QString trimmed = trimBlanks(app.ini().get(optionKey(tool)));
+    return trimmed.isEmpty() ? QStringLiteral(" ") : u' ' + trimmed + u' ';
+}
+
+QString commandAbc2ps(const AppContext &app, const QString &input, const QString &output)
+{
+    // The extras (format file, tablature) go before the options, which end with the switch
+    // that takes the output name.
+    return quoted(toolPath(app, Tool::Abc2ps)) + u' ' + quoted(input) + app.scoreExtras
+        + toolOptions(app, Tool::Abc2ps) + quoted(output);
+}
+
+QString commandAbc2midi(const AppContext &app, const QString &input, const QString &output)
+{
+    return quoted(toolPath(app, Tool::Abc2midi)) + u' ' + quoted(input) + toolOptions(app, Tool::Abc2midi)
+        + quoted(output);
+}
+
+QString commandAbc2abc(const AppContext &app, const QString &input, int semitones, const QString &output)
+{
+    return quoted(toolPath(app, Tool::Abc2abc)) + u' ' + quoted(input) + toolOptions(app, Tool::Abc2abc)
+        + QString::number(semitones) + QStringLiteral(" > ") + quoted(output);
+}
+
+QString commandMidi2abc(const AppContext &app, const QString &input, const QString &output)
+{
+    return quoted(toolPath(app, Tool::Midi2abc)) + QStringLiteral(" -f ") + quoted(input)
+        + toolOptions(app, Tool::Midi2abc) + quoted(output);
+}
+
+ParsedCommand parseCommand(const QString &command)
+{
+    // Blanks separate arguments outside quotes; a quote pair may hold blanks and is dropped.
+    // A bare ">" (or one glued to its file name) redirects standard output.
+    QStringList parts;
+    QList<bool> wasQuoted;
+    QString current;
+    bool inQuotes = false, quotedPart = false, started = false;
+    for (const QChar c : command) {
+        if (c == u'>' && !inQuotes && !started) {
+            // A redirection mark stands alone even when glued to its file name.
+            parts << QStringLiteral(">");
+            wasQuoted << false;
+        } else if (c == u'"') {
+            inQuotes = !inQuotes;
+            quotedPart = true;
+            started = true;
+        } else if (!inQuotes && (c == u' ' || c == u'\t')) {
+            if (started) {
+                parts << current;
+                wasQuoted << quotedPart;
+            }
+            current.clear();
+            started = quotedPart = false;
+        } else {
+            current += c;
+            started = true;
+        }
+    }
+    if (started) {
+        parts << current;
+        wasQuoted << quotedPart;
+    }
+
+    ParsedCommand result;
+    for (int i = 0; i < parts.size(); ++i) {
+        const QString &part = parts.at(i);
+        if (!wasQuoted.at(i) && part.startsWith(u'>')) {
+            if (part.size() > 1)
+                result.stdoutFile = part.mid(1);
+            else if (i + 1 < parts.size())
+                result.stdoutFile = parts.at(++i);
+            continue;
+        }
+        if (result.program.isEmpty() && i == 0)
+            result.program = part;
+        else
+            result.arguments << part;
+    }
+    return result;
+}
+
+ParsedCommand consoleCommand(const AppContext &app, int row, QString *folder)
+{
+    static const Tool rows[] = { Tool::Abc2midi, Tool::Abc2ps, Tool::Abc2abc, Tool::Midi2abc };
+    const Tool tool = rows[qBound(0, row, 3)];
+    QString tools = app.paths().inProgram(QStringLiteral("tools"));
+    if (!QFileInfo(tools).isDir())
+        tools = QFileInfo(toolPath(app, tool)).absolutePath();
+    if (folder)
+        *folder = tools;
+
+    ParsedCommand command;
+    const QString terminal = qEnvironmentVariable("TERMINAL");
+    command.program = terminal.isEmpty() ? QStringLiteral("x-terminal-emulator") : terminal;
+    // The tool without arguments prints its usage; the shell stays for the user's own commands.
+    const QString script = quoted(toolPath(app, tool)) + QStringLiteral("; exec \"${SHELL:-/bin/sh}\"");
+    command.arguments = { QStringLiteral("-e"), QStringLiteral("/bin/sh"), QStringLiteral("-c"), script };
+    return command;
+}
+
+ToolRunner::ToolRunner(AppContext &app)
+    : m_app(app)
+{ }
+
+ToolRunner::~ToolRunner()
+{
+    for (const Started &started : std::as_const(m_started)) {
+        if (started.process->state() != QProcess::NotRunning) {
+            started.process->kill();
+            started.process->waitForFinished(1000);
+        }
+        delete started.process;
+    }
+}
+
+QString ToolRunner::cacheFolder() const
+{
+    const QString folder = m_app.paths().cacheFolder();
+    QDir().mkpath(folder);
+    return folder;
+}
+
+QString ToolRunner::inCache(const QString &name) const
+{
+    return QDir(m_app.paths().cacheFolder()).absoluteFilePath(name);
+}
+
+void ToolRunner::prune()
+{
+    for (qsizetype i = m_started.size() - 1; i >= 0; --i) {
+        if (m_started.at(i).process->state() == QProcess::NotRunning) {
+            delete m_started.at(i).process;
+            m_started.removeAt(i);
+        }
+    }
+}
+
+int ToolRunner::runningCount() const
+{
+    int count = 0;
+    for (const Started &started : m_started)
+        count += started.process->state() != QProcess::NotRunning ? 1 : 0;
+    return count;
+}
+
+bool ToolRunner::startCommand(const QString &command, int windowMode, QString *error)
+{
+    prune();
+    const ParsedCommand parsed = parseCommand(command);
+    const QString folder = cacheFolder();
+    if (parsed.program.isEmpty()) {
+        if (error)
+            *error = QStringLiteral("empty command");
+        return false;
+    }
+
+    if (windowMode != 0) {
+        // A window of its own: the program lives on by itself.
+        if (!QProcess::startDetached(parsed.program, parsed.arguments, folder)) {
+            if (error)
+                *error = QStringLiteral("cannot start ") + parsed.program;
+            return false;
+        }
+        return true;
+    }
+
+    auto *process = new QProcess;
+    process->setWorkingDirectory(folder);
+    process->setProgram(parsed.program);
+    process->setArguments(parsed.arguments);
+    process->setStandardInputFile(QProcess::nullDevice());
+    // What the tools print is nobody's concern unless the command sends it to a file; unread
+    // pipes would stall a talkative tool.
+    process->setStandardOutputFile(
+        parsed.stdoutFile.isEmpty() ? QProcess::nullDevice() : inCache(parsed.stdoutFile));
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->start();
+    if (!process->waitForStarted(10000)) {
+        if (error)
+            *error = process->errorString();
+        delete process;
+        return false;
+    }
+
+    Started started { process, parsed.arguments };
+    if (!parsed.stdoutFile.isEmpty())
+        started.files << QDir::cleanPath(QDir(folder).absoluteFilePath(parsed.stdoutFile));
+    m_started << started;
+    return true;
+}
+
+bool ToolRunner::Started::names(const QString &absolutePath, const QString &fileName) const
+{
+    // A file is named by an argument that is its path (relative to the working folder), or that
+    // holds its name, as a shell script does.
+    const QDir dir(process->workingDirectory());
+    for (const QString &argument : files) {
+        if (argument.contains(fileName)
+            && (QDir::cleanPath(dir.absoluteFilePath(argument)) == absolutePath || argument != fileName))
+            return true;
+    }
     return false;
 }
 
-QString ToolRunner::WaitForDispo(const QString &, double)
+ToolRunner::Writers ToolRunner::writers(const QString &absolutePath) const
 {
-    return kWaitTimeout;
+    const QString fileName = QFileInfo(absolutePath).fileName();
+    Writers result;
+    for (const Started &started : m_started) {
+        if (!started.names(absolutePath, fileName))
+            continue;
+        if (started.process->state() != QProcess::NotRunning) {
+            result.running = started.process;
+            return result;
+        }
+        result.ended = true;
+    }
+    return result;
+}
+
+void ToolRunner::pause(QProcess *writer)
+{
+    // Waiting on the writer itself wakes us the moment it ends, which keeps a refresh quick.
+    if (writer)
+        writer->waitForFinished(5);
+    else
+        QThread::msleep(2);
+}
+
+QString ToolRunner::WaitForDispo(const QString &file, double limit)
+{
+    const QString path = QDir::cleanPath(QDir(cacheFolder()).absoluteFilePath(file));
+    QElapsedTimer clock;
+    clock.start();
+    const double limitMs = waitLimitMs(limit);
+    UserDialogs &ui = m_app.ui();
+
+    // One round: let events run, then the limit, then Esc. Empty means go on.
+    auto round = [&]() -> QString {
+        ui.processEvents();
+        if (limit > 0 && double(clock.elapsed()) >= limitMs)
+            return kWaitTimeout;
+        if (ui.escapePressed())
+            return kWaitEscape;
+        return {};
+    };
+
+    for (;;) {
+        const Writers writer = writers(path);
+        const QFileInfo info(path);
+        const bool written = info.exists() && info.size() > 0;
+        if (written && !writer.running && openableForAppend(path))
+            return {};
+        // The tool that was to write it has ended without doing so: nothing else will, and
+        // waiting out the limit would only stall the caller.
+        if (!written && !writer.running && writer.ended)
+            return kWaitTimeout;
+        const QString stop = round();
+        if (!stop.isEmpty())
+            return stop;
+        pause(writer.running);
+    }
+}
+
+bool ToolRunner::openConsole(int row, QString *error)
+{
+    QString folder;
+    const ParsedCommand command = consoleCommand(m_app, row, &folder);
+    // The user's terminal, else the desktop's choice, else the plainest one.
+    QStringList terminals { command.program, QStringLiteral("x-terminal-emulator"), QStringLiteral("xterm") };
+    terminals.removeDuplicates();
+    for (const QString &terminal : std::as_const(terminals)) {
+        if (QProcess::startDetached(terminal, command.arguments, folder))
+            return true;
+    }
+    if (error)
+        *error = QStringLiteral("cannot start ") + terminals.join(QStringLiteral(", "));
+    return false;
+}
+
+QString importMidiText(AppContext &app, const QString &midiFile)
+{
+    ToolRunner &tools = app.tools();
+    const QString output = tools.inCache(QStringLiteral("tmp.abc"));
+    QFile::remove(output);
+    QString error;
+    if (!tools.startCommand(commandMidi2abc(app, midiFile, output), 0, &error)) {
+        // The wait below then runs into its limit, as for a tool that writes nothing.
+    }
+    const QString answer = tools.WaitForDispo(output, 6000);
+    if (!answer.isEmpty()) {
+        app.ui().setBusy(false);
+        app.ui().message(answer, UserDialogs::Icon::Warning);
+        return {};
+    }
+    QFile file(output);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = file.readAll();
+    QString text = decodeText(bytes, detectEncoding(bytes));
+    // The tool ends its lines with LF; the tree wants CR LF.
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.replace(u'\n', CRLF);
+    return text;
+}
+
+QString ImportMidi(AppContext &app, const QString &midiFile, const QString &kFile)
+{
+    const QString text = importMidiText(app, midiFile);
+    if (text.isEmpty())
+        return {};
+    return app.store().AddStringTune(text, kFile);
+}
+
+void mnu_impMidi(AppContext &app)
+{
+    UserDialogs &ui = app.ui();
+    const QString msg = QStringLiteral("Msg");
+    QDir cache(app.tools().cacheFolder());
+    for (const QString &name : cache.entryList({ QStringLiteral("tmp*.*") }, QDir::Files))
+        cache.remove(name);
+    if (ui.question(app.text(msg, QStringLiteral("<infoMidi2Abc>"))) != UserDialogs::Answer::Yes)
+        return;
+    const QString kFile = app.currentFileKey;
+    if (kFile.isEmpty()) {
+        ui.message(app.text(msg, QStringLiteral("<selectFile>")), UserDialogs::Icon::Warning);
+        return;
+    }
+    const QString midiFile
+        = ui.openFileName(app.text(msg, QStringLiteral("<openMidiFile>")), app.ini().get(keys::DirDef),
+            { app.text(msg, QStringLiteral("<midiFile>")) + QStringLiteral(" (*.mid *.midi)") });
+    if (midiFile.isEmpty())
+        return;
+
+    BusyScope busy(ui);
+    const QString key = ImportMidi(app, midiFile, kFile);
+    if (key.isEmpty())
+        return;
+    if (Node *tune = app.tree().find(key))
+        app.tree().setImage(tune, Pic::TuneM);
+    if (app.store().selectNode)
+        app.store().selectNode(key);
+    app.store().SetFlagModifFile(kFile);
+    CompterTunesDansFichier(app, kFile);
 }
 
 } // namespace fenwork

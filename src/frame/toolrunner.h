@@ -1,8 +1,12 @@
 #pragma once
 // Runs the command-line converters: the command shapes, the start of a process in the cache
 // folder, and the wait for its output file. One runner per run, held by the AppContext.
+#include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+
+class QProcess;
 
 namespace fenwork {
 
@@ -18,12 +22,35 @@ inline const QString kWaitTimeout = QStringLiteral("* * * File Timeout * * *");
 QString toolPath(const AppContext &app, Tool tool);
 // The tool's option string as set, with its own surrounding blanks.
 QString toolOptions(const AppContext &app, Tool tool);
+// The bare program name of a tool ("abcm2ps", "abc2midi" ...).
+QString toolName(Tool tool);
 
 // The command shapes; every path stands in double quotes. abcm2ps gets app.scoreExtras.
 QString commandAbc2ps(const AppContext &app, const QString &input, const QString &output);
 QString commandAbc2midi(const AppContext &app, const QString &input, const QString &output);
 QString commandAbc2abc(const AppContext &app, const QString &input, int semitones, const QString &output);
 QString commandMidi2abc(const AppContext &app, const QString &input, const QString &output);
+
+// A command text taken apart: a quoted part is one argument, a " > " sends standard output to
+// the (quoted) file name after it.
+struct ParsedCommand
+{
+    QString program;
+    QStringList arguments;
+    QString stdoutFile; // empty: no redirection
+};
+ParsedCommand parseCommand(const QString &command);
+
+// The limit of WaitForDispo in milliseconds: the unit is 1/100000000 of a day.
+constexpr double waitLimitMs(double limit)
+{
+    return limit * 86400000.0 / 100000000.0;
+}
+
+// The console of mnu_shellConsole rows 0 to 3 (abc2midi, abcm2ps, abc2abc, midi2abc): a terminal
+// emulator ($TERMINAL, else x-terminal-emulator) in the tools folder that shows the tool's
+// usage and leaves a shell open. `folder` receives that folder.
+ParsedCommand consoleCommand(const AppContext &app, int row, QString *folder = nullptr);
 
 class ToolRunner : public QObject
 {
@@ -38,14 +65,54 @@ public:
     // process cannot be started.
     bool startCommand(const QString &command, int windowMode = 0, QString *error = nullptr);
 
-    // Waits until `file` exists, is not empty and is free (no process we started that may be
-    // writing it still runs), letting events run and watching Esc. Returns "" on success,
-    // kWaitEscape or kWaitTimeout. The limit is in 1/100000000 of a day (6000 ~ 5.2 s); 0 or
-    // less waits for ever.
+    // Waits until `file` exists, is not empty and is free (no process we started that names it
+    // still runs), letting events run and watching Esc. Returns "" on success, kWaitEscape or
+    // kWaitTimeout. The limit is in 1/100000000 of a day (6000 ~ 5.2 s); 0 or less waits for
+    // ever. When every process that named the file has ended and the file is still missing or
+    // empty, nothing will write it: the answer is kWaitTimeout at once.
     QString WaitForDispo(const QString &file, double limit);
 
+    // The cache folder, made when missing: the working folder of every tool.
+    QString cacheFolder() const;
+    // A bare name resolved in the cache folder; absolute paths stay as they are.
+    QString inCache(const QString &name) const;
+
+    // Opens the tool console of mnu_shellConsole; false with `error` when no terminal starts.
+    bool openConsole(int row, QString *error = nullptr);
+
+    // Hidden processes started and still running.
+    int runningCount() const;
+
 private:
+    struct Started
+    {
+        QProcess *process;
+        QStringList files; // its arguments and output file: what it may be writing
+        bool names(const QString &absolutePath, const QString &fileName) const;
+    };
+    struct Writers
+    {
+        QProcess *running = nullptr; // a process naming the file that still runs
+        bool ended = false; // one that named it has ended
+    };
+    Writers writers(const QString &absolutePath) const;
+    // Sleeps a little between polls; returns early when the writer ends.
+    void pause(QProcess *writer);
+    void prune();
+
     AppContext &m_app;
+    QList<Started> m_started;
 };
+
+// MIDI to ABC (mnu_impMidi): runs midi2abc on `midiFile` into the cache, waits with the limit
+// 6000 and returns the ABC text read whole. A wait that fails is shown as a warning and gives
+// an empty text.
+QString importMidiText(AppContext &app, const QString &midiFile);
+// The same, adding the tunes to the file `kFile` with AddStringTune; returns the key of the
+// first tune added, empty on failure.
+QString ImportMidi(AppContext &app, const QString &midiFile, const QString &kFile);
+// The menu command: asks, picks the MIDI file, imports it into the current file and selects the
+// new tune.
+void mnu_impMidi(AppContext &app);
 
 } // namespace fenwork

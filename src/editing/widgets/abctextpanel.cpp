@@ -1,5 +1,7 @@
 #include "editing/widgets/abctextpanel.h"
 
+#include "editing/widgets/abchighlighter.h"
+
 #include "finding/tunefilter.h"
 #include "store/nodeselection.h"
 
@@ -16,12 +18,8 @@ namespace fenwork {
 
 namespace {
 
-QColor blend(const QColor &a, const QColor &b, double share)
-{
-    return QColor::fromRgbF(float(a.redF() * (1 - share) + b.redF() * share),
-        float(a.greenF() * (1 - share) + b.greenF() * share),
-        float(a.blueF() * (1 - share) + b.blueF() * share));
-}
+const QColor kLockedGround(0xEF, 0xEF, 0xEF);
+const QColor kSessionGround(0xFF, 0xFF, 0xFF);
 
 } // namespace
 
@@ -29,6 +27,7 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     : QWidget(parent)
     , m_caption(new QLabel(this))
     , m_text(new QPlainTextEdit(this))
+    , m_highlighter(new AbcHighlighter(m_text->document()))
 {
     setObjectName(QStringLiteral("pic_ABC"));
     m_caption->setObjectName(QStringLiteral("lab_ttr"));
@@ -49,11 +48,11 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTextFont(QFontDatabase::systemFont(QFontDatabase::FixedFont).family(), 10);
 
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    layout->addWidget(m_caption);
-    layout->addWidget(m_text, 1);
+    m_layout = new QVBoxLayout(this);
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setSpacing(2);
+    m_layout->addWidget(m_caption);
+    m_layout->addWidget(m_text, 1);
     applyLockedLook();
 }
 
@@ -86,12 +85,14 @@ void AbcTextPanel::showText(const QString &text)
     plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (plain.endsWith(u'\n'))
         plain.chop(1);
+    m_highlighter->setColouring(true);
     m_text->setPlainText(plain);
 }
 
 void AbcTextPanel::showLines(const QList<InfoLine> &lines)
 {
     m_text->setExtraSelections({});
+    m_highlighter->setColouring(false);
     m_text->clear();
     QTextCursor cursor(m_text->document());
     QTextCharFormat format;
@@ -146,6 +147,41 @@ void AbcTextPanel::highlight(const QVector<HighlightRange> &ranges, const QColor
     m_text->setExtraSelections(marks);
 }
 
+void AbcTextPanel::highlightRTB(const QColor &colour)
+{
+    const QTextCursor selected = m_text->textCursor();
+    if (!selected.hasSelection())
+        return;
+    QList<QTextEdit::ExtraSelection> marks = m_text->extraSelections();
+    QTextEdit::ExtraSelection mark;
+    mark.cursor = QTextCursor(m_text->document());
+    mark.cursor.setPosition(selected.selectionStart());
+    mark.cursor.setPosition(selected.selectionEnd(), QTextCursor::KeepAnchor);
+    mark.format.setBackground(colour);
+    marks.append(mark);
+    m_text->setExtraSelections(marks);
+}
+
+void AbcTextPanel::ColorerABC()
+{
+    m_highlighter->setColouring(true);
+    m_highlighter->rehighlight();
+}
+
+void AbcTextPanel::setLocked(bool locked)
+{
+    m_locked = locked;
+    m_text->setReadOnly(locked);
+    m_text->setTextInteractionFlags(
+        locked ? Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard : Qt::TextEditorInteraction);
+    applyLockedLook();
+}
+
+void AbcTextPanel::setEditBar(QWidget *bar)
+{
+    m_layout->insertWidget(1, bar);
+}
+
 void AbcTextPanel::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
@@ -153,15 +189,15 @@ void AbcTextPanel::changeEvent(QEvent *event)
         applyLockedLook();
 }
 
-// A paper tint over the style's base colour; on a dark palette a shade towards the window colour.
+// Grey while the text is locked, white during an edit session.
 void AbcTextPanel::applyLockedLook()
 {
     QPalette pal = palette();
-    const QColor base = pal.color(QPalette::Active, QPalette::Base);
-    const QColor tint = base.lightness() > 128 ? blend(base, QColor(0xF2, 0xEC, 0xD8), 0.55)
-                                               : blend(base, pal.color(QPalette::Window), 0.5);
+    const QColor ground = m_locked ? kLockedGround : kSessionGround;
     for (const auto group : { QPalette::Active, QPalette::Inactive, QPalette::Disabled })
-        pal.setColor(group, QPalette::Base, tint);
+        pal.setColor(group, QPalette::Base, ground);
+    // The styles above are painted for a light ground: keep the plain text dark on it.
+    pal.setColor(QPalette::Text, Qt::black);
     // The marked line must stay visible while the tree has the focus.
     pal.setColor(QPalette::Inactive, QPalette::Highlight, pal.color(QPalette::Active, QPalette::Highlight));
     pal.setColor(QPalette::Inactive, QPalette::HighlightedText,

@@ -3,9 +3,11 @@
 
 class QLabel;
 class QPlainTextEdit;
+class QVBoxLayout;
 
 namespace fenwork {
 
+class AbcHighlighter;
 struct HighlightRange;
 struct InfoLine;
 
@@ -37,6 +39,18 @@ public:
     void clearSelection();
     // Marks ranges of the panel's text with a background colour, until the text changes.
     void highlight(const QVector<HighlightRange> &ranges, const QColor &colour);
+    // Marks the selection with a background colour, keeping the marks already made.
+    void highlightRTB(const QColor &colour);
+
+    // Colours the whole text again (after a tool rewrote it); typing colours its own line.
+    void ColorerABC();
+    AbcHighlighter *highlighter() const { return m_highlighter; }
+
+    // Locked: read-only on a grey ground; unlocked: editable on white, for an edit session.
+    void setLocked(bool locked);
+    bool isLocked() const { return m_locked; }
+    // Puts the edit session's tool bar between the caption and the text.
+    void setEditBar(QWidget *bar);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -46,6 +60,9 @@ private:
 
     QLabel *m_caption;
     QPlainTextEdit *m_text;
+    AbcHighlighter *m_highlighter;
+    QVBoxLayout *m_layout = nullptr;
+    bool m_locked = true;
 };
 
 } // namespace fenwork

@@ -1,6 +1,7 @@
 #include "frame/widgets/mainwindow.h"
 
 #include "editing/widgets/abctextpanel.h"
+#include "editing/widgets/editcontroller.h"
 #include "finding/duplicates.h"
 #include "finding/widgets/filterpanel.h"
 #include "frame/appcontext.h"
@@ -10,14 +11,19 @@
 #include "frame/paths.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
+#include "frame/toolrunner.h"
 #include "frame/version.h"
 #include "frame/widgets/icons.h"
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainstatusbar.h"
 #include "frame/widgets/progressstrip.h"
 #include "frame/widgets/widgetdialogs.h"
+#include "playback/widgets/playerpanel.h"
 #include "score/widgets/scorepanel.h"
 #include "store/filecommands.h"
+#include "store/trashbox.h"
+#include "store/tuneops.h"
+#include "store/widgets/trashpanel.h"
 #include "store/nodeselection.h"
 #include "store/recentfiles.h"
 #include "store/treeops.h"
@@ -27,6 +33,7 @@
 #include "store/widgets/treeview.h"
 #include "store/workspacetree.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -66,33 +73,6 @@ QWidget *placeholder(const char *name)
     return frame;
 }
 
-// The player's place: its transport row, idle until playing exists.
-QWidget *playerPlaceholder()
-{
-    auto *frame = new QFrame;
-    frame->setObjectName(QStringLiteral("pic_Player"));
-    frame->setFrameShape(QFrame::StyledPanel);
-    auto *row = new QHBoxLayout(frame);
-    row->setContentsMargins(6, 4, 6, 4);
-    row->setSpacing(2);
-    for (const char *icon :
-        { "media-skip-backward", "media-playback-start", "media-playback-stop", "media-playback-pause" }) {
-        auto *button = new QToolButton;
-        button->setIcon(QIcon::fromTheme(QString::fromLatin1(icon)));
-        button->setAutoRaise(true);
-        button->setEnabled(false);
-        row->addWidget(button);
-    }
-    auto *position = new QSlider(Qt::Horizontal);
-    position->setEnabled(false);
-    row->addWidget(position, 1);
-    auto *time = new QLabel(QStringLiteral("0:00"));
-    time->setEnabled(false);
-    row->addWidget(time);
-    frame->setMaximumHeight(frame->sizeHint().height());
-    return frame;
-}
-
 } // namespace
 
 MainWindow::MainWindow(AppContext &app, QWidget *parent)
@@ -111,11 +91,17 @@ MainWindow::MainWindow(AppContext &app, QWidget *parent)
         dialogs->setProgressStrip(m_progress);
     }
     m_app.store().selectNode = [this](const QString &key) { SimulerNodeClick(key); };
+    m_app.store().pruneChoiceList = [this] { m_explorer->EpurerListeChoix(); };
+    m_app.store().setClipboardText = [](const QString &text) { QGuiApplication::clipboard()->setText(text); };
+    m_app.store().clipboardText = [] { return QGuiApplication::clipboard()->text(); };
 }
 
 MainWindow::~MainWindow()
 {
     m_app.store().selectNode = nullptr;
+    m_app.store().pruneChoiceList = nullptr;
+    m_app.store().setClipboardText = nullptr;
+    m_app.store().clipboardText = nullptr;
     if (auto *dialogs = dynamic_cast<WidgetDialogs *>(&m_app.ui())) {
         dialogs->setProgressStrip(nullptr);
         dialogs->setParentWidget(nullptr);
@@ -157,7 +143,8 @@ void MainWindow::buildPanels()
     m_progress = new ProgressStrip;
     upperLayout->addWidget(m_progress);
     m_splitLeft->addWidget(upper);
-    m_splitLeft->addWidget(playerPlaceholder());
+    m_player = new PlayerPanel(m_app);
+    m_splitLeft->addWidget(m_player);
     m_splitLeft->setStretchFactor(0, 1);
     m_splitLeft->setStretchFactor(1, 0);
     m_splitLeft->setMinimumWidth(200);
@@ -168,10 +155,18 @@ void MainWindow::buildPanels()
     m_splitRight->setChildrenCollapsible(false);
     m_textPanel = new AbcTextPanel;
     m_textPanel->editor()->setMinimumHeight(50);
-    m_score = new ScorePanel;
+    m_score = new ScorePanel(m_app);
+    m_score->textSource = [this] { return m_textPanel->text(); };
+    connect(m_score, &ScorePanel::editorFocusRequested, this, [this] { m_textPanel->editor()->setFocus(); });
     m_score->setMinimumHeight(200);
     m_splitRight->addWidget(m_textPanel);
     m_splitRight->addWidget(m_score);
+    m_edit = new EditController(m_app, m_textPanel, this);
+    m_edit->attach(m_explorer->tree(), m_menus, m_toolBar, m_score);
+    m_edit->selectNode = [this](const QString &key) { SimulerNodeClick(key); };
+    m_trash = new TrashPanel(m_app, this);
+    m_trash->followWidget(m_splitRight);
+    connect(m_trash, &TrashPanel::trashChanged, this, [this] { SimulerNodeClick(key::Trash); });
     m_splitRight->setStretchFactor(0, 0);
     m_splitRight->setStretchFactor(1, 1);
     m_splitRight->setMinimumWidth(200);
@@ -193,12 +188,19 @@ void MainWindow::buildPanels()
     connect(view, &TreeView::nodeDoubleClicked, this, &MainWindow::tr_ABC_DblClick);
     connect(
         view, &TreeView::filesDropped, this, [this](const QStringList &paths) { openFiles(paths, false); });
+    connect(view, &TreeView::tuneDropped, this,
+        [this](const QString &dragged, const QString &target, bool asPart) { dropTune(m_app, dragged, target, asPart); });
     connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::ongl_G_Click);
     connect(m_filter, &FilterPanel::treeFilterChanged, this, &MainWindow::showFilterState);
     connect(
         m_filter, &FilterPanel::showTreeRequested, this, [this] { m_tabs->setCurrentWidget(m_explorer); });
     connect(m_filter, &FilterPanel::selectNodeRequested, this, &MainWindow::SimulerNodeClick);
     m_explorer->setTuneIcon(pictureIcon(QStringLiteral("tune"), m_app.paths().programFolder()));
+    PlayerHost host = PlayerHost::forEditor(m_textPanel->editor());
+    host.selectedNodeKey = [this] { return tree()->currentKey(); };
+    host.selectNode = [this](const QString &key) { SimulerNodeClick(key); };
+    host.choiceList = [this] { return m_explorer->choiceList(); };
+    m_player->setHost(host);
     ExplorerPanel *explorer = m_explorer;
     m_filter->filter().setChoiceList({ [explorer] { explorer->clearChoiceList(); },
         [explorer](const QString &key, const QString &caption) { return explorer->AddTunetolst(key, caption); },
@@ -222,7 +224,7 @@ void MainWindow::MainLoad()
             QStringLiteral("MainLoad"), QStringLiteral("Can't create these folders:\n") + failed.join(u'\n'));
     applyGeometry();
     m_app.buildStartupTexts();
-    m_score->setBlankPicturePath(m_app.paths().inProgram(QStringLiteral("img/blank_std.png")));
+    m_score->loadSettings();
 
     IniFile &ini = m_app.ini();
     m_menus->build(menuBar(), m_toolBar);
@@ -266,6 +268,9 @@ void MainWindow::LoadLang()
     m_menus->loadLang();
     m_explorer->loadLang(lang);
     m_filter->LoadLang();
+    m_score->loadLang();
+    m_player->LoadLang();
+    m_edit->loadLang();
     m_tabs->setTabText(0, lang.text(kMainForm, QStringLiteral("<explorer>")));
     m_tabs->setTabText(1, lang.text(kMainForm, QStringLiteral("<find>")));
     m_tabs->setTabText(2, lang.text(kMainForm, QStringLiteral("<reference>")));
@@ -304,9 +309,32 @@ void MainWindow::connectCommands()
     on({ "mnu_closeFile", "closeabc" }, [&app, prune] { mnu_closeFile(app, prune); });
     on({ "mnu_closeAll", "closeallabc" }, [&app, prune] { mnu_closeAll(app, prune); });
     on({ "mnu_showDoublons" }, [this] { mnu_showDoublons_Click(); });
+    on({ "mnu_cutTune", "tunecut" }, [&app] { mnu_cutTune(app); });
+    on({ "mnu_copyTune", "tunecopy" }, [&app] { mnu_copyTune(app); });
+    on({ "mnu_pasteTune", "tunepaste" }, [&app] { mnu_pasteTune(app); });
+    on({ "mnu_delTune0", "tunedel" }, [&app] { mnu_delTune(app, 0); });
+    on({ "mnu_delTune1" }, [&app] { mnu_delTune(app, 1); });
+    on({ "mnu_doNew1", "newtune" }, [&app] { CreateNewTune(app); });
+    on({ "mnu_impClipboard" }, [&app] { mnu_impClipboard(app); });
     on({ "mnu_Quitter" }, [this] { close(); });
-    // F5 and Ctrl+R serve the editor and the score view; they do nothing until those exist.
-    on({ "key_F5", "key_CtrlR" }, [] {});
+    on({ "key_F5" }, [this] { m_edit->key_F5(); });
+    on({ "key_Esc" }, [this] { m_edit->key_Esc(); });
+    on({ "key_CtrlR" }, [this] { m_score->seeScore(); });
+    on({ "mnu_impMidi" }, [&app] { mnu_impMidi(app); });
+    PlayerPanel *player = m_player;
+    on({ "mnu_playTune" }, [player] { player->mnu_playTune(); });
+    on({ "mnu_PlayFile0", "playall" }, [player] { player->mnu_PlayFile(0); });
+    on({ "mnu_PlayFile1", "playselect" }, [player] { player->mnu_PlayFile(1); });
+    on({ "mnu_PlayFile2", "quickscan" }, [player] { player->mnu_PlayFile(2); });
+    on({ "mnu_playLst" }, [player] { player->bt_playLst_Click(); });
+    on({ "mnu_midiExt" }, [player] { player->mnu_midiExt(); });
+    for (int row = 0; row < 4; ++row) {
+        m_menus->setHandler(QStringLiteral("mnu_shellConsole") + QString::number(row), [&app, row] {
+            QString error;
+            if (!app.tools().openConsole(row, &error))
+                app.ui().contextError(QStringLiteral("mnu_shellConsole"), error);
+        });
+    }
     m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
 }
 
@@ -314,12 +342,19 @@ void MainWindow::NodeClick(const QString &key)
 {
     if (key.isEmpty() || !m_app.tree().find(key))
         return;
+    // An edit session holds the text panel: nothing selects another node until it ends.
+    if (m_edit && m_edit->isEditing())
+        return;
     tree()->selectKey(key, false);
     m_status->setTreeKey(key);
     const NodeSelection selection = describeNodeClick(m_app, key);
     if (selection.column == SelectionColumn::None)
         return;
     applyNodeClick(m_app, selection);
+    if (keyKind(key) == KeyKind::TrashTune)
+        m_trash->showTune(key);
+    else
+        m_trash->hide();
 
     switch (selection.content) {
     case PanelContent::Unchanged:
@@ -342,8 +377,9 @@ void MainWindow::NodeClick(const QString &key)
         if (at >= 0)
             m_textPanel->selectRange(at, selection.line.size());
     }
-    // The colouring and the score come here with the editor and the score pipeline; until then the
-    // text stays plain and the page blank.
+    // The text panel colours ABC text itself as it shows it.
+    if (selection.score)
+        m_score->showTune(m_textPanel->text());
     m_textPanel->setCaption(selection.caption);
     m_status->setFilePath(GetPathFile(m_app, m_app.currentFileKey));
 }
@@ -421,11 +457,14 @@ void MainWindow::tr_ABC_DblClick()
         return;
     switch (m_app.ini().getInt(keys::DblClcIdx)) {
     case 0:
-        // Then the tune plays, once the player exists.
         m_textPanel->clearSelection();
+        m_player->mnu_playTune();
+        break;
+    case 1:
+        m_edit->abcedit();
         break;
     default:
-        // 1 edits the tune, 2 adds it to the choice list: they come with the editor and the list.
+        // 2 adds it to the choice list: it comes with the list.
         m_app.ui().processEvents();
         break;
     }
@@ -522,6 +561,8 @@ bool MainWindow::Form_Unload()
     state.geometry = currentGeometry();
     state.kept = m_kept;
     state.kept.zoom = QString::number(m_score->zoom());
+    state.kept.scrollHScore = QString::number(m_score->scrollH());
+    state.kept.tablaturesIndex = QString::number(m_score->tablatureRow());
     writeSessionAtQuit(m_app, state);
     return true;
 }

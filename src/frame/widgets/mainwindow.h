@@ -11,12 +11,15 @@ namespace fenwork {
 
 class AbcTextPanel;
 class AppContext;
+class EditController;
 class ExplorerPanel;
 class FilterPanel;
 class MainMenus;
 class MainStatusBar;
+class PlayerPanel;
 class ProgressStrip;
 class ScorePanel;
+class TrashPanel;
 class TreeModel;
 class TreeView;
 
@@ -51,7 +54,9 @@ public:
     TreeView *tree() const;
     MainMenus *menus() const { return m_menus; }
     AbcTextPanel *textPanel() const { return m_textPanel; }
+    EditController *editController() const { return m_edit; }
     ScorePanel *scorePanel() const { return m_score; }
+    PlayerPanel *playerPanel() const { return m_player; }
     MainStatusBar *status() const { return m_status; }
     ProgressStrip *progressStrip() const { return m_progress; }
 
@@ -85,7 +90,10 @@ private:
     ExplorerPanel *m_explorer = nullptr;
     FilterPanel *m_filter = nullptr;
     AbcTextPanel *m_textPanel = nullptr;
+    EditController *m_edit = nullptr;
     ScorePanel *m_score = nullptr;
+    TrashPanel *m_trash = nullptr;
+    PlayerPanel *m_player = nullptr;
     ProgressStrip *m_progress = nullptr;
     MainStatusBar *m_status = nullptr;
     KeptSettings m_kept;

@@ -1,10 +1,15 @@
 #include "store/widgets/treeview.h"
 
+#include "store/treeops.h"
+#include "store/tuneops.h"
 #include "store/widgets/treemodel.h"
 #include "store/workspacetree.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
+#include <QDrag>
 #include <QHeaderView>
+#include <QIcon>
 #include <QMimeData>
 #include <QUrl>
 
@@ -22,6 +27,9 @@ QStringList localFiles(const QMimeData *mime)
             files.append(url.toLocalFile());
     return files;
 }
+
+// A tune dragged inside the tree carries its key under this type.
+const QString kTuneMime = QStringLiteral("application/x-fennelworks-tune");
 
 constexpr Qt::KeyboardModifiers kChordModifiers
     = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
@@ -136,8 +144,14 @@ void TreeView::mousePressEvent(QMouseEvent *event)
         return;
     }
     QTreeView::mousePressEvent(event);
+    m_dragKey.clear();
     if (key.isEmpty())
         return;
+    if (event->button() == Qt::LeftButton && isDraggableTune(key)) {
+        m_dragKey = key;
+        m_dragAsPart = event->modifiers() & Qt::AltModifier;
+        m_pressAt = pos;
+    }
     if (event->button() == Qt::RightButton)
         setCurrentIndex(indexAt(pos));
     click(key);
@@ -149,6 +163,22 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent *event)
     QTreeView::mouseDoubleClickEvent(event);
     if (!key.isEmpty() && event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ControlModifier))
         emit nodeDoubleClicked(key);
+}
+
+void TreeView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_dragKey.isEmpty() || !(event->buttons() & Qt::LeftButton)
+        || (event->position().toPoint() - m_pressAt).manhattanLength() < QApplication::startDragDistance()) {
+        QTreeView::mouseMoveEvent(event);
+        return;
+    }
+    auto *drag = new QDrag(this);
+    auto *data = new QMimeData;
+    data->setData(kTuneMime, m_dragKey.toUtf8());
+    drag->setMimeData(data);
+    drag->setPixmap(QIcon::fromTheme(QStringLiteral("audio-x-generic")).pixmap(24));
+    drag->exec(Qt::MoveAction);
+    m_dragKey.clear();
 }
 
 void TreeView::keyReleaseEvent(QKeyEvent *event)
@@ -190,7 +220,7 @@ void TreeView::contextMenuEvent(QContextMenuEvent *event)
 
 void TreeView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!localFiles(event->mimeData()).isEmpty()) {
+    if (event->mimeData()->hasFormat(kTuneMime) || !localFiles(event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
         return;
     }
@@ -199,6 +229,15 @@ void TreeView::dragEnterEvent(QDragEnterEvent *event)
 
 void TreeView::dragMoveEvent(QDragMoveEvent *event)
 {
+    if (event->mimeData()->hasFormat(kTuneMime)) {
+        // No drop on the root or on a file header: the pointer says so.
+        const QString target = keyAt(event->position().toPoint());
+        if (target.isEmpty() || target == key::Root || target.contains(key::HdrFile))
+            event->ignore();
+        else
+            event->acceptProposedAction();
+        return;
+    }
     if (!localFiles(event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
         return;
@@ -208,6 +247,14 @@ void TreeView::dragMoveEvent(QDragMoveEvent *event)
 
 void TreeView::dropEvent(QDropEvent *event)
 {
+    if (event->mimeData()->hasFormat(kTuneMime)) {
+        const QString dragged = QString::fromUtf8(event->mimeData()->data(kTuneMime));
+        const QString target = keyAt(event->position().toPoint());
+        event->acceptProposedAction();
+        if (!target.isEmpty())
+            emit tuneDropped(dragged, target, m_dragAsPart);
+        return;
+    }
     const QStringList files = localFiles(event->mimeData());
     if (files.isEmpty()) {
         QTreeView::dropEvent(event);

@@ -28,10 +28,13 @@ signals:
     void contextMenuRequested(const QString &key, const QPoint &globalPos);
     void nodeDoubleClicked(const QString &key);
     void filesDropped(const QStringList &paths);
+    // A tune dragged onto a node; `asPart` when Alt was held as the drag began.
+    void tuneDropped(const QString &draggedKey, const QString &targetKey, bool asPart);
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -46,6 +49,9 @@ private:
     WorkspaceTree &m_tree;
     TreeModel *m_model;
     QString m_clicked; // the key of the last click, so that keys that moved nowhere work nothing
+    QString m_dragKey; // the tune a press may start dragging
+    bool m_dragAsPart = false;
+    QPoint m_pressAt;
 };
 
 } // namespace fenwork

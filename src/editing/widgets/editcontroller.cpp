@@ -1,0 +1,434 @@
+#include "editing/widgets/editcontroller.h"
+
+#include "editing/editsession.h"
+#include "editing/transpose.h"
+#include "editing/widgets/abctextpanel.h"
+#include "frame/appcontext.h"
+#include "frame/commandstate.h"
+#include "frame/userdialogs.h"
+#include "frame/widgets/mainmenus.h"
+#include "score/widgets/scorepanel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QHash>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QTextBlock>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace fenwork {
+
+namespace {
+
+const QString kAbcEdit = QStringLiteral("abcedit");
+// What would leave the tune: another file, another tune, the list, an import, a whole-file tool.
+const char *const kClosedMenus[] = { "mnu_Fichier", "mnu_Morceau", "mnu_lst", "mnu_Import", "mnu_Outils" };
+
+QAction *barAction(QToolBar *bar, const char *name, const char *icon)
+{
+    auto *action = new QAction(QIcon::fromTheme(QString::fromLatin1(icon)), QString(), bar);
+    action->setObjectName(QString::fromLatin1(name));
+    bar->addAction(action);
+    if (QWidget *button = bar->widgetForAction(action))
+        button->setObjectName(action->objectName());
+    return action;
+}
+
+// Editor text without the last line break the store adds, so that a reload looks as typed.
+QString editorText(QString text)
+{
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    if (text.endsWith(u'\n'))
+        text.chop(1);
+    return text;
+}
+
+} // namespace
+
+EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *parent)
+    : QObject(parent)
+    , m_app(app)
+    , m_panel(panel)
+    , m_session(new EditSession(app, this))
+    , m_bar(new QToolBar)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    m_session->textSource = [editor] { return editor->toPlainText(); };
+    connect(m_session, &EditSession::ended, this, &EditController::sessionEnded);
+
+    m_bar->setObjectName(QStringLiteral("tb_edit"));
+    m_bar->setIconSize(QSize(20, 20));
+    m_bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_edit = barAction(m_bar, "abcedit", "document-edit");
+    m_ok = barAction(m_bar, "ok", "dialog-ok-apply");
+    auto *okMenu = new QMenu(m_bar);
+    okMenu->setObjectName(QStringLiteral("ok_pop"));
+    m_validSave = okMenu->addAction(QIcon::fromTheme(QStringLiteral("document-save")), QString());
+    m_validSave->setObjectName(QStringLiteral("validsave"));
+    m_validSaveQuit = okMenu->addAction(QIcon::fromTheme(QStringLiteral("document-save-all")), QString());
+    m_validSaveQuit->setObjectName(QStringLiteral("validsavequit"));
+    m_ok->setMenu(okMenu);
+    if (auto *button = qobject_cast<QToolButton *>(m_bar->widgetForAction(m_ok)))
+        button->setPopupMode(QToolButton::MenuButtonPopup);
+    m_cancel = barAction(m_bar, "cancel", "dialog-cancel");
+    m_undo = barAction(m_bar, "bt_undo", "edit-undo");
+    m_bar->addSeparator();
+    m_down = barAction(m_bar, "bt_Transpose0", "arrow-down");
+    m_step = new QSpinBox;
+    m_step->setObjectName(QStringLiteral("txt_unitTranspose"));
+    m_step->setRange(1, 12);
+    m_step->setValue(1);
+    m_stepAction = m_bar->addWidget(m_step);
+    m_up = barAction(m_bar, "bt_Transpose1", "arrow-up");
+    m_bar->addSeparator();
+    m_wrap = new QCheckBox;
+    m_wrap->setObjectName(QStringLiteral("chk_wrap"));
+    m_bar->addWidget(m_wrap);
+    auto *spacer = new QWidget;
+    spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    m_bar->addWidget(spacer);
+    m_caret = new QLabel(QStringLiteral("1:1"));
+    m_caret->setObjectName(QStringLiteral("lab_numLigne"));
+    m_caret->setContentsMargins(6, 0, 6, 0);
+    m_bar->addWidget(m_caret);
+    m_panel->setEditBar(m_bar);
+
+    connect(m_edit, &QAction::triggered, this, &EditController::abcedit);
+    connect(m_ok, &QAction::triggered, this, &EditController::validate);
+    connect(m_cancel, &QAction::triggered, this, &EditController::cancel);
+    connect(m_validSave, &QAction::triggered, this, [this] { validSave(false); });
+    connect(m_validSaveQuit, &QAction::triggered, this, [this] { validSave(true); });
+    connect(m_undo, &QAction::triggered, this, &EditController::bt_undo_Click);
+    connect(m_down, &QAction::triggered, this, [this] { bt_Transpose_Click(0); });
+    connect(m_up, &QAction::triggered, this, [this] { bt_Transpose_Click(1); });
+    connect(m_wrap, &QCheckBox::toggled, this, &EditController::setWrap);
+
+    m_popup = new QMenu(editor);
+    m_popup->setObjectName(QStringLiteral("pop_ABC"));
+    editor->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(editor, &QWidget::customContextMenuRequested, this, &EditController::popupMenu);
+    connect(editor, &QPlainTextEdit::textChanged, this, &EditController::txt_ABC_Change);
+    connect(editor, &QPlainTextEdit::cursorPositionChanged, this, &EditController::showCaret);
+    editor->installEventFilter(this);
+
+    m_edit->setEnabled(m_app.commands().isEnabled(kAbcEdit));
+    connect(&m_app.commands(), &CommandState::enabledChanged, this, [this](const QString &name, bool on) {
+        if (name == kAbcEdit)
+            m_edit->setEnabled(on);
+    });
+    setSessionLook(false);
+}
+
+EditController::~EditController() = default;
+
+void EditController::attach(QWidget *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score)
+{
+    m_tree = tree;
+    m_menus = menus;
+    m_mainBar = mainBar;
+    m_score = score;
+    if (m_score) {
+        m_score->currentLineTune = [this] { return getCurLineAsTune(); };
+        m_score->setPauseVisible(false);
+    }
+}
+
+void EditController::loadLang()
+{
+    const auto text = [this](const char *section, const char *key) {
+        return m_app.text(QString::fromLatin1(section), QString::fromLatin1(key));
+    };
+    m_edit->setText(text("MainForm", "<edit>"));
+    m_edit->setToolTip(text("TTText", "<editTune>"));
+    m_ok->setText(text("MainForm", "<validate>"));
+    m_ok->setToolTip(text("MainForm", "<validate>") + QStringLiteral(" (F5)"));
+    m_validSave->setText(text("MainForm", "<validSave>"));
+    m_validSaveQuit->setText(text("MainForm", "<validSaveQuit>"));
+    m_cancel->setText(text("MainForm", "<cancel>"));
+    m_cancel->setToolTip(text("MainForm", "<cancel>") + QStringLiteral(" (Esc)"));
+    m_undo->setToolTip(text("TTText", "<undo>"));
+    m_down->setToolTip(text("TTText", "<transposDown>"));
+    m_up->setToolTip(text("TTText", "<transposUp>"));
+    m_step->setToolTip(text("TTText", "<unitTranspose>"));
+    m_wrap->setText(text("MainForm", "<lineWrapping>"));
+}
+
+bool EditController::isEditing() const
+{
+    return m_session->isActive();
+}
+
+void EditController::key_F5()
+{
+    if (m_edit->isVisible() && m_edit->isEnabled())
+        abcedit();
+    else if (m_ok->isVisible() && m_ok->isEnabled())
+        validate();
+}
+
+void EditController::key_Esc()
+{
+    if (m_cancel->isVisible())
+        cancel();
+}
+
+void EditController::abcedit()
+{
+    if (isEditing() || !m_app.commands().isEnabled(kAbcEdit))
+        return;
+    QPlainTextEdit *editor = m_panel->editor();
+    if (!m_session->start(editor->toPlainText()))
+        return;
+    m_shownText = editor->toPlainText();
+    m_editedKey = m_session->target() == EditSession::Target::Tune
+        ? m_session->tuneKey()
+        : m_session->fileKey() + QStringLiteral("_hdrFile");
+    editor->setExtraSelections({});
+    m_panel->setLocked(false);
+    editor->setFocus();
+    closeWindow(true);
+    setSessionLook(true);
+    m_undo->setEnabled(false);
+    if (m_score)
+        m_score->setPauseVisible(m_session->target() == EditSession::Target::Tune);
+    m_app.ui().statusMessage(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")));
+}
+
+bool EditController::validate()
+{
+    if (!isEditing())
+        return false;
+    return m_session->validate(m_panel->editor()->toPlainText());
+}
+
+bool EditController::cancel()
+{
+    if (!isEditing())
+        return false;
+    QString reloaded;
+    if (!m_session->cancel(&reloaded))
+        return false;
+    m_panel->showText(reloaded);
+    return true;
+}
+
+void EditController::validSave(bool quit)
+{
+    BusyScope busy(m_app.ui());
+    if (!validate())
+        return;
+    if (m_menus) {
+        if (QAction *save = m_menus->action(QStringLiteral("mnu_save0")); save && save->isEnabled())
+            save->trigger();
+    }
+    if (!quit)
+        abcedit();
+}
+
+void EditController::sessionEnded(bool validated)
+{
+    m_panel->setLocked(true);
+    closeWindow(false);
+    setSessionLook(false);
+    if (m_score)
+        m_score->setPauseVisible(false);
+    m_app.ui().statusMessage(QString());
+    const QString key = m_editedKey;
+    m_editedKey.clear();
+    if (validated && selectNode)
+        selectNode(key);
+    if (m_tree)
+        m_tree->setFocus();
+}
+
+void EditController::setSessionLook(bool editing)
+{
+    m_edit->setVisible(!editing);
+    // Esc belongs to the session only while one runs; otherwise the panels keep it.
+    m_app.commands().setEnabled(QStringLiteral("key_Esc"), editing);
+    for (QAction *action : { m_ok, m_cancel, m_undo, m_down, m_up, m_stepAction })
+        action->setVisible(editing);
+}
+
+void EditController::closeWindow(bool closed)
+{
+    if (m_tree) {
+        m_tree->setEnabled(!closed);
+        m_tree->setCursor(closed ? Qt::ForbiddenCursor : Qt::ArrowCursor);
+    }
+    if (m_mainBar)
+        m_mainBar->setEnabled(!closed);
+    if (!m_menus)
+        return;
+    for (const char *name : kClosedMenus) {
+        if (QMenu *menu = m_menus->menu(QString::fromLatin1(name)))
+            menu->menuAction()->setEnabled(!closed);
+    }
+}
+
+void EditController::txt_ABC_Change()
+{
+    if (!isEditing())
+        return;
+    const QString text = m_panel->editor()->toPlainText();
+    // A repaint of the colours also reports a change: only a new text counts.
+    if (text == m_shownText)
+        return;
+    m_shownText = text;
+    if (!m_undoLock && m_session->ring().SetUndo(text))
+        m_undo->setEnabled(true);
+    if (m_score && !m_score->isPaused())
+        m_score->requestRefresh(text);
+}
+
+void EditController::bt_undo_Click()
+{
+    if (!isEditing())
+        return;
+    QPlainTextEdit *editor = m_panel->editor();
+    const QString text = m_session->ring().GetUndo();
+    if (text.isEmpty()) {
+        m_undo->setEnabled(false);
+    } else {
+        m_undoLock = true;
+        const int caret = editor->textCursor().position();
+        const int scroll = editor->verticalScrollBar()->value();
+        editor->setPlainText(text);
+        QTextCursor cursor = editor->textCursor();
+        cursor.setPosition(qMin(caret, int(text.size())));
+        editor->setTextCursor(cursor);
+        editor->verticalScrollBar()->setValue(scroll);
+        m_undoLock = false;
+    }
+    editor->setFocus();
+}
+
+void EditController::bt_Transpose_Click(int index)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    editor->setFocus();
+    const int halfTones = transposeStep(m_step->text(), index == 0);
+    const QString moved = transposeText(m_app, toStoreText(editor->toPlainText()), halfTones);
+    if (moved.isEmpty())
+        return;
+    // Through a cursor, not setPlainText: the scroll position stays and the ring records it.
+    QTextCursor cursor(editor->document());
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(editorText(moved));
+    m_panel->ColorerABC();
+}
+
+void EditController::paste()
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    QString text = QApplication::clipboard()->text();
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    editor->textCursor().insertText(text);
+    m_panel->ColorerABC();
+}
+
+QString EditController::getCurLineAsTune() const
+{
+    const QPlainTextEdit *editor = m_panel->editor();
+    return fenwork::getCurLineAsTune(
+        m_app, m_app.currentTuneKey, editor->toPlainText(), editor->textCursor().position());
+}
+
+void EditController::showCaret()
+{
+    const QTextCursor cursor = m_panel->editor()->textCursor();
+    m_caret->setText(
+        QString::number(cursor.blockNumber() + 1) + u':' + QString::number(cursor.positionInBlock() + 1));
+}
+
+void EditController::setWrap(bool wrap)
+{
+    m_panel->editor()->setLineWrapMode(wrap ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
+}
+
+void EditController::popupMenu(const QPoint &pos)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    QTextCursor cursor = editor->textCursor();
+    const int under = editor->cursorForPosition(pos).position();
+    if (!cursor.hasSelection() || under < cursor.selectionStart() || under > cursor.selectionEnd()) {
+        cursor.setPosition(under);
+        editor->setTextCursor(cursor);
+    }
+    const bool selection = editor->textCursor().hasSelection();
+    const bool editing = isEditing();
+    const auto text
+        = [this](const char *key) { return m_app.text(QStringLiteral("Menus"), QString::fromLatin1(key)); };
+    m_popup->clear();
+    QAction *cut = m_popup->addAction(
+        QIcon::fromTheme(QStringLiteral("edit-cut")), text("<cut>"), editor, &QPlainTextEdit::cut);
+    cut->setEnabled(editing && selection);
+    QAction *copy = m_popup->addAction(
+        QIcon::fromTheme(QStringLiteral("edit-copy")), text("<copy>"), editor, &QPlainTextEdit::copy);
+    copy->setEnabled(selection);
+    QAction *pasteItem = m_popup->addAction(
+        QIcon::fromTheme(QStringLiteral("edit-paste")), text("<paste>"), this, &EditController::paste);
+    pasteItem->setEnabled(editing && !QApplication::clipboard()->text().isEmpty());
+    m_popup->addSeparator();
+    m_popup->addAction(QIcon::fromTheme(QStringLiteral("edit-select-all")),
+        QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText), editor,
+        &QPlainTextEdit::selectAll);
+    m_popup->popup(editor->viewport()->mapToGlobal(pos));
+}
+
+bool EditController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_panel->editor() || event->type() != QEvent::KeyPress)
+        return QObject::eventFilter(watched, event);
+    auto *key = static_cast<QKeyEvent *>(event);
+    QPlainTextEdit *editor = m_panel->editor();
+    const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
+    if (key->matches(QKeySequence::SelectAll)) {
+        editor->selectAll();
+        return true;
+    }
+    if (!isEditing()) {
+        // Typing into the locked text: offer to edit the tune instead of ignoring the key.
+        const int code = key->key();
+        const bool typing = mods == Qt::NoModifier
+            && ((code >= 45 && code <= 111) || code == Qt::Key_Delete || code == Qt::Key_Insert);
+        if (typing && !m_app.currentTuneKey.isEmpty() && m_app.commands().isEnabled(kAbcEdit)) {
+            if (m_app.ui().question(m_app.text(QStringLiteral("Msg"), QStringLiteral("<noedit>")))
+                == UserDialogs::Answer::Yes)
+                abcedit();
+            return true;
+        }
+        return false;
+    }
+    if (key->matches(QKeySequence::Paste) || (key->key() == Qt::Key_Insert && mods == Qt::ShiftModifier)) {
+        paste();
+        return true;
+    }
+    if (key->matches(QKeySequence::Undo)) {
+        bt_undo_Click();
+        return true;
+    }
+    if (key->key() == Qt::Key_P && mods == Qt::ControlModifier) {
+        if (m_menus) {
+            if (QAction *play = m_menus->action(QStringLiteral("mnu_playTune")); play && play->isEnabled())
+                play->trigger();
+        }
+        return true;
+    }
+    if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
+        && needsBlankLineGuard(editor->toPlainText(), editor->textCursor().position())) {
+        // A blank line would end the tune for the tools: the new line holds a comment instead.
+        editor->textCursor().insertText(QStringLiteral("%"));
+    }
+    return false;
+}
+
+} // namespace fenwork

@@ -1,0 +1,99 @@
+#pragma once
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+
+class QAction;
+class QCheckBox;
+class QLabel;
+class QMenu;
+class QPoint;
+class QSpinBox;
+class QToolBar;
+class QWidget;
+
+namespace fenwork {
+
+class AbcTextPanel;
+class AppContext;
+class EditSession;
+class MainMenus;
+class ScorePanel;
+
+// The edit session in the window: the tool bar `tb_edit` above the text, the keys of `txt_ABC`,
+// the locked editor's question, paste, the blank-line guard, undo, the caret's line:column, word
+// wrap, the pop-up menu `pop_ABC` and transposition. The window is closed off while a session runs.
+class EditController : public QObject
+{
+    Q_OBJECT
+public:
+    EditController(AppContext &app, AbcTextPanel *panel, QObject *parent = nullptr);
+    ~EditController() override;
+
+    // What a session closes off, and what it asks for redraws and the selection.
+    void attach(QWidget *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score);
+    void loadLang();
+
+    // Called with the tree key to show again after a validation (the window's node click).
+    std::function<void(const QString &key)> selectNode;
+
+    EditSession &session() const { return *m_session; }
+    bool isEditing() const;
+    QToolBar *toolBar() const { return m_bar; }
+
+    // F5: starts a session, or validates the running one.
+    void key_F5();
+    // Esc: cancels a running session.
+    void key_Esc();
+    void abcedit();
+    // False when the text was refused (no X:) or no session runs.
+    bool validate();
+    bool cancel();
+    // validsave: validate, save, and edit the saved tune again; validsavequit: stop after saving.
+    void validSave(bool quit);
+    void bt_undo_Click();
+    void bt_Transpose_Click(int index);
+    void paste();
+    // The tune made of the header fields and the caret's line.
+    QString getCurLineAsTune() const;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void setSessionLook(bool editing);
+    void closeWindow(bool closed);
+    void txt_ABC_Change();
+    void showCaret();
+    void popupMenu(const QPoint &pos);
+    void setWrap(bool wrap);
+    void sessionEnded(bool validated);
+
+    AppContext &m_app;
+    AbcTextPanel *m_panel;
+    EditSession *m_session;
+    QToolBar *m_bar;
+    QAction *m_edit;
+    QAction *m_ok;
+    QAction *m_cancel;
+    QAction *m_validSave;
+    QAction *m_validSaveQuit;
+    QAction *m_undo;
+    QAction *m_down;
+    QAction *m_up;
+    QAction *m_stepAction;
+    QSpinBox *m_step;
+    QCheckBox *m_wrap;
+    QLabel *m_caret;
+    QMenu *m_popup;
+    QPointer<QWidget> m_tree;
+    QPointer<MainMenus> m_menus;
+    QPointer<QToolBar> m_mainBar;
+    QPointer<ScorePanel> m_score;
+    bool m_undoLock = false;
+    QString m_editedKey;
+    QString m_shownText;
+};
+
+} // namespace fenwork

@@ -1,0 +1,199 @@
+#include "score/scorerefresh.h"
+
+#include "frame/appcontext.h"
+#include "frame/ghostscript.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/textfile.h"
+#include "frame/toolrunner.h"
+#include "frame/userdialogs.h"
+#include "store/tunestore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QThread>
+
+namespace fenwork {
+
+namespace {
+
+const QString kInput = QStringLiteral("tmp.abc");
+const QString kPostScript = QStringLiteral("tmp.ps");
+const QString kFirstPage = QStringLiteral("tmp1.bmp");
+constexpr double kWaitLimit = 2000;
+
+QString withCrLf(const QString &text)
+{
+    QString result = text;
+    result.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    result.replace(u'\n', CRLF);
+    return result;
+}
+
+bool writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    return file.write(bytes) == bytes.size();
+}
+
+void removePages(const QString &folder)
+{
+    QDir dir(folder);
+    const QStringList pages = dir.entryList({ QStringLiteral("tmp*.bmp") }, QDir::Files);
+    for (const QString &page : pages)
+        dir.remove(page);
+}
+
+// The interpreter works on bare names: it runs with the cache as the current folder.
+class CurrentFolder
+{
+public:
+    explicit CurrentFolder(const QString &folder)
+        : m_old(QDir::currentPath())
+    {
+        QDir::setCurrent(folder);
+    }
+    ~CurrentFolder() { QDir::setCurrent(m_old); }
+    CurrentFolder(const CurrentFolder &) = delete;
+    CurrentFolder &operator=(const CurrentFolder &) = delete;
+
+private:
+    QString m_old;
+};
+
+} // namespace
+
+ScoreRefresher::ScoreRefresher(AppContext &app)
+    : m_app(app)
+{ }
+
+QStringList ScoreRefresher::ghostscriptArguments(int resolution)
+{
+    QStringList arguments { QStringLiteral("ps2bmp"), QStringLiteral("-dNOPAUSE"), QStringLiteral("-dBATCH"),
+        QStringLiteral("-dSAFER") };
+    // Ghostscript 10 refuses -r0: no resolution means the device's own.
+    if (resolution > 0)
+        arguments << QStringLiteral("-r") + QString::number(resolution);
+    arguments << QStringLiteral("-sDEVICE=bmpgray") << QStringLiteral("-sOutputFile=tmp%d.bmp")
+              << QStringLiteral("-c") << QStringLiteral("-f") << kPostScript;
+    return arguments;
+}
+
+QString ScoreRefresher::scoreText(const ScoreSource &source) const
+{
+    if (!m_app.ini().getBool(keys::UseHdr))
+        return source.editorText; // the whole text, even with the one-line box ticked
+    const QString tune = source.oneLine ? source.currentLineTune : source.editorText;
+    // Included files are put in: the tool runs in the cache folder, where their names mean nothing.
+    const QString header
+        = source.fileKey.isEmpty() ? QString() : m_app.store().GetStringHdrFile(source.fileKey, true);
+    return header + CRLF + tune;
+}
+
+QImage ScoreRefresher::loadBlank(QString *path) const
+{
+    *path = m_blankPicture;
+    QImage image;
+    if (!m_blankPicture.isEmpty())
+        image.load(m_blankPicture);
+    return image;
+}
+
+ScoreOutcome ScoreRefresher::PartitionRefresh(
+    const ScoreSource &source, const QString &target, int resolution, int &page, bool force)
+{
+    ScoreOutcome outcome;
+    if (m_manualOnly && !force) {
+        outcome.skipped = true;
+        return outcome;
+    }
+    const bool speaks = target == kScoreTarget;
+    UserDialogs &ui = m_app.ui();
+
+    if (source.tuneKey.isEmpty() || source.editorText.isEmpty()) {
+        outcome.picture = ScoreOutcome::Picture::Blank;
+        outcome.image = loadBlank(&outcome.imagePath);
+        return outcome;
+    }
+
+    ToolRunner &tools = m_app.tools();
+    const QString cache = tools.cacheFolder();
+
+    // The text as the tool reads it: UTF-8, unless the header asks for Latin-1.
+    QString text = withCrLf(scoreText(source));
+    if (!text.endsWith(CRLF))
+        text += CRLF;
+    const TextEncoding encoding = headerDeclaresLatin1(text) ? TextEncoding::Latin1 : TextEncoding::Utf8;
+    writeBytes(tools.inCache(kInput), encodeText(text, encoding));
+
+    const QString postScript = tools.inCache(kPostScript);
+    const auto escaped = [&] {
+        ui.statusMessage(CRLF + u' ' + kScoreEscaped);
+        return outcome;
+    };
+
+    for (;;) {
+        ++outcome.attempts;
+        if (!QFile::remove(postScript) && QFileInfo::exists(postScript)) {
+            QThread::msleep(200);
+            QFile::remove(postScript);
+        }
+        // A tool that cannot start writes nothing: the wait below runs out, as for a slow one.
+        tools.startCommand(commandAbc2ps(m_app, kInput, kPostScript), 0);
+        removePages(cache);
+
+        if (tools.WaitForDispo(kPostScript, kWaitLimit) == kWaitEscape)
+            return escaped();
+
+        QString error;
+        bool ran;
+        {
+            const CurrentFolder inCache(cache);
+            ran = RunGhostscript(ghostscriptArguments(resolution), &error);
+        }
+        if (!ran && error.contains(QStringLiteral("gsdll"), Qt::CaseInsensitive)) {
+            ui.setBusy(false);
+            ui.message(
+                m_app.text(QStringLiteral("Msg"), QStringLiteral("<gsdllErr>")), UserDialogs::Icon::Warning);
+            m_manualOnly = true;
+            outcome.ghostscriptMissing = true;
+            ui.statusMessage(m_app.text(QStringLiteral("Msg"), QStringLiteral("<gsDegrad>")));
+            return outcome;
+        }
+        // Any other failure of the interpreter leaves no page, which the load below finds out.
+
+        if (tools.WaitForDispo(kFirstPage, kWaitLimit) == kWaitEscape)
+            return escaped();
+
+        if (page < 1)
+            page = 1;
+        const QString pagePath
+            = tools.inCache(QStringLiteral("tmp") + QString::number(page) + QStringLiteral(".bmp"));
+        QImage image;
+        if (image.load(pagePath)) {
+            outcome.picture = ScoreOutcome::Picture::Page;
+            outcome.image = image;
+            outcome.imagePath = pagePath;
+            outcome.pageText = ScoreOutcome::PageText::Set;
+            return outcome;
+        }
+
+        outcome.picture = ScoreOutcome::Picture::Blank;
+        outcome.image = loadBlank(&outcome.imagePath);
+        outcome.pageText = ScoreOutcome::PageText::Cleared;
+        if (outcome.attempts >= 2) {
+            if (speaks)
+                ui.statusMessage(CRLF + u' ' + kScoreInvalid);
+            return outcome;
+        }
+        if (speaks)
+            ui.statusMessage(CRLF + u' ' + kScoreRetry);
+    }
+}
+
+} // namespace fenwork

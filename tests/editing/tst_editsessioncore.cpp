@@ -1,0 +1,286 @@
+// The edit session without widgets: the undo ring, the caret's line as a tune, the blank-line
+// rule, validation and cancelling against a real tree, the recovery file, and transposition
+// through the real abc2abc.
+#include "testenv.h"
+#include "testmain.h"
+
+#include "editing/editsession.h"
+#include "editing/transpose.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/toolrunner.h"
+#include "store/node.h"
+#include "store/tunestore.h"
+#include "store/workspacetree.h"
+
+#include <QFile>
+#include <QStandardPaths>
+#include <QTest>
+#include <QTimer>
+
+using namespace fenwork;
+using fenwork::test::TestEnv;
+
+namespace {
+
+const QByteArray kTunes
+    = "%abc\r\nX:1\r\nT:First\r\nM:6/8\r\nK:G\r\nGAB cde|\r\n\r\nX:2\r\nT:Second\r\nK:D\r\ndef|\r\n";
+
+} // namespace
+
+class TestEditSessionCore : public QObject
+{
+    Q_OBJECT
+private slots:
+    void undoRing_data()
+    {
+        QTest::addColumn<int>("pushes");
+        QTest::addColumn<int>("undos");
+        QTest::addColumn<QString>("expected");
+        // Each push stores "tN"; "t0" is the text the session began with.
+        QTest::newRow("one back") << 3 << 1 << "t2";
+        QTest::newRow("back to start") << 3 << 3 << "t0";
+        QTest::newRow("past the start") << 3 << 4 << "";
+        QTest::newRow("ten changes: the oldest is lost") << 10 << 9 << "t1";
+        QTest::newRow("ten changes: one more undo") << 10 << 10 << "";
+        QTest::newRow("eleven changes") << 11 << 9 << "t2";
+    }
+    void undoRing()
+    {
+        QFETCH(int, pushes);
+        QFETCH(int, undos);
+        QFETCH(QString, expected);
+        UndoRing ring;
+        ring.resize(10);
+        ring.SetUndo(QStringLiteral("t0"));
+        for (int i = 1; i <= pushes; ++i)
+            ring.SetUndo(QStringLiteral("t") + QString::number(i));
+        QString got;
+        for (int i = 0; i < undos; ++i)
+            got = ring.GetUndo();
+        QCOMPARE(got, expected);
+    }
+
+    void undoRingOutsideSession()
+    {
+        UndoRing ring;
+        QVERIFY(!ring.SetUndo(QStringLiteral("a")));
+        QCOMPARE(ring.GetUndo(), QString());
+        ring.resize(10);
+        QVERIFY(!ring.SetUndo(QString())); // an empty editor stores nothing
+        QVERIFY(!ring.hasChanges());
+        ring.SetUndo(QStringLiteral("a"));
+        QVERIFY(!ring.hasChanges());
+        ring.SetUndo(QStringLiteral("ab"));
+        QVERIFY(ring.hasChanges());
+    }
+
+    void lineRules_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("caret");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("guard");
+        QTest::newRow("start of text") << "X:1\nK:G" << 0 << "X:1" << false;
+        QTest::newRow("end of a line") << "X:1\nK:G\n" << 3 << "X:1" << false;
+        QTest::newRow("empty last line") << "X:1\nK:G\n" << 8 << "" << true;
+        QTest::newRow("start of a full line") << "X:1\nK:G" << 4 << "K:G" << true;
+        QTest::newRow("middle of a line") << "X:1\nabc|def\n" << 6 << "abc|def" << false;
+        QTest::newRow("CR LF text") << "X:1\r\nabc|\r\nK:D" << 7 << "abc|" << false;
+        QTest::newRow("empty line between") << "a\n\nb" << 2 << "" << true;
+    }
+    void lineRules()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, caret);
+        QFETCH(QString, line);
+        QFETCH(bool, guard);
+        QCOMPARE(currentLine(text, caret), line);
+        QCOMPARE(needsBlankLineGuard(text, caret), guard);
+    }
+
+    void curLineAsTune()
+    {
+        TestEnv env;
+        const QString kFile
+            = env.app().store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
+        QVERIFY(!kFile.isEmpty());
+        const QString kTune = kFile + QStringLiteral("_tune1");
+        QVERIFY(env.app().tree().find(kTune));
+        const QString text = QStringLiteral("X:1\nT:First\nK:G\nGAB cde|\nBAG FED|\n");
+        QCOMPARE(getCurLineAsTune(env.app(), kTune, text, text.indexOf(QStringLiteral("FED"))),
+            QStringLiteral("T:First\r\nM:6/8\r\nK:G\r\nBAG FED|\r\n"));
+    }
+
+    void validateTune()
+    {
+        TestEnv env;
+        AppContext &app = env.app();
+        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
+        app.currentFileKey = kFile;
+        app.currentTuneKey = kFile + QStringLiteral("_tune1");
+        EditSession session(app);
+        QVERIFY(session.start(app.store().GetStringTune(app.currentTuneKey, false)));
+        QCOMPARE(session.ring().size(), 10);
+
+        // Without its X: line the text is refused and the session goes on.
+        QVERIFY(!session.validate(QStringLiteral("T:First\nK:G\nabc|\n")));
+        QCOMPARE(env.ui().messages().size(), 1);
+        QCOMPARE(env.ui().lastMessage(), app.text(QStringLiteral("Msg"), QStringLiteral("<Xmissing>")));
+        QVERIFY(session.isActive());
+
+        QVERIFY(session.validate(QStringLiteral("  X:1\nT:Changed\nK:A\nABc|\n")));
+        QVERIFY(!session.isActive());
+        QCOMPARE(session.ring().size(), 1);
+        const QString stored = app.store().GetStringTune(kFile + QStringLiteral("_tune1"), false);
+        QVERIFY2(stored.contains(QStringLiteral("T:Changed\r\n")), qPrintable(stored));
+        QVERIFY(stored.contains(QStringLiteral("ABc|\r\n")));
+        // The other tune is untouched, and the file is marked as changed.
+        QVERIFY(app.store()
+                    .GetStringTune(kFile + QStringLiteral("_tune2"), false)
+                    .contains(QStringLiteral("T:Second")));
+        QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbcM);
+    }
+
+    void validateHeaderAddsAbcLine()
+    {
+        TestEnv env;
+        AppContext &app = env.app();
+        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
+        app.currentFileKey = kFile;
+        app.currentTuneKey.clear();
+        EditSession session(app);
+        QVERIFY(session.start(app.store().GetStringHdrFile(kFile, false)));
+        QCOMPARE(session.target(), EditSession::Target::Header);
+        QVERIFY(session.validate(QStringLiteral("%%scale 0.8\n")));
+        const QString header = app.store().GetStringHdrFile(kFile, false);
+        QVERIFY2(header.startsWith(QStringLiteral("%abc")), qPrintable(header));
+        QVERIFY(header.contains(QStringLiteral("%%scale 0.8")));
+    }
+
+    void cancel_data()
+    {
+        QTest::addColumn<bool>("changed");
+        QTest::addColumn<int>("answer"); // -1: no question expected
+        QTest::addColumn<bool>("ends");
+        QTest::newRow("unchanged: no question") << false << -1 << true;
+        QTest::newRow("changed, Yes") << true << int(UserDialogs::Answer::Yes) << true;
+        QTest::newRow("changed, No") << true << int(UserDialogs::Answer::No) << false;
+        QTest::newRow("changed, Cancel") << true << int(UserDialogs::Answer::Cancel) << false;
+    }
+    void cancel()
+    {
+        QFETCH(bool, changed);
+        QFETCH(int, answer);
+        QFETCH(bool, ends);
+        TestEnv env;
+        AppContext &app = env.app();
+        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
+        app.currentFileKey = kFile;
+        app.currentTuneKey = kFile + QStringLiteral("_tune2");
+        const QString original = app.store().GetStringTune(app.currentTuneKey, false);
+        EditSession session(app);
+        QVERIFY(session.start(original));
+        if (changed)
+            session.ring().SetUndo(original + QStringLiteral("x"));
+        if (answer >= 0)
+            env.ui().pushAnswer(UserDialogs::Answer(answer));
+        QString reloaded;
+        QCOMPARE(session.cancel(&reloaded), ends);
+        QCOMPARE(env.ui().texts(ScriptedDialogs::Kind::Question).size(), answer >= 0 ? 1 : 0);
+        QVERIFY(!env.ui().hadUnexpectedPrompts());
+        QCOMPARE(session.isActive(), !ends);
+        if (ends)
+            QCOMPARE(reloaded, original);
+        QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbc);
+    }
+
+    void recoveryFile()
+    {
+        TestEnv env;
+        AppContext &app = env.app();
+        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
+        app.currentFileKey = kFile;
+        app.currentTuneKey = kFile + QStringLiteral("_tune1");
+        EditSession session(app);
+        QString editor = QStringLiteral("X:1\nK:G\nabc|\n");
+        session.textSource = [&editor] { return editor; };
+        QVERIFY(session.start(editor));
+        QVERIFY(session.recoveryTimer()->isActive());
+        QCOMPARE(session.recoveryTimer()->interval(), 10000);
+        session.writeRecovery();
+        const QString path = app.paths().recoverFile();
+        QCOMPARE(test::readAll(path), QStringLiteral("X:1\r\nK:G\r\nabc|\r\n"));
+        QVERIFY(session.validate(editor));
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(!session.recoveryTimer()->isActive());
+    }
+
+    void transposeStepText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("down");
+        QTest::addColumn<int>("step");
+        QTest::newRow("up") << "2" << false << 2;
+        QTest::newRow("down") << "3" << true << -3;
+        QTest::newRow("blanks") << " 5 " << false << 5;
+        QTest::newRow("not a number") << "two" << false << 0;
+        QTest::newRow("empty") << "" << true << 0;
+    }
+    void transposeStepText()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, down);
+        QFETCH(int, step);
+        QCOMPARE(transposeStep(text, down), step);
+    }
+
+    void transposeWithTool_data()
+    {
+        QTest::addColumn<int>("halfTones");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("firstNote");
+        QTest::newRow("two up") << 2 << "K:A"
+                                << "A";
+        QTest::newRow("two down") << -2 << "K:F"
+                                  << "F";
+        QTest::newRow("none") << 0 << "K:G"
+                              << "G";
+    }
+    void transposeWithTool()
+    {
+        QFETCH(int, halfTones);
+        QFETCH(QString, key);
+        QFETCH(QString, firstNote);
+        if (QStandardPaths::findExecutable(QStringLiteral("abc2abc")).isEmpty())
+            QSKIP("abc2abc is not installed");
+        TestEnv env;
+        // A stale score file of an earlier run goes with the transposition.
+        const QString stale = env.app().tools().inCache(QStringLiteral("tmp.ps"));
+        QFile(stale).open(QIODevice::WriteOnly);
+        const QString moved
+            = transposeText(env.app(), QStringLiteral("X:1\nT:Small\nL:1/8\nK:G\nGABc d2|\n"), halfTones);
+        QVERIFY2(env.ui().messages().isEmpty(), qPrintable(env.ui().messages().join(u'|')));
+        QVERIFY2(moved.contains(key), qPrintable(moved));
+        // The music is the last line; the tool adds fields of its own above it.
+        const QStringList lines = QString(moved).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.last().left(1), firstNote);
+        QVERIFY(moved.contains(QStringLiteral("T:Small")));
+        QVERIFY(!QFile::exists(stale));
+    }
+
+    void transposeToolWritesNothing()
+    {
+        TestEnv env;
+        // A tool that ends without output: the wait gives up and the caller gets nothing.
+        const QString fake = env.writeFile("silent.sh", "#!/bin/sh\nexit 0\n");
+        QFile::setPermissions(fake, QFile::permissions(fake) | QFileDevice::ExeOwner);
+        env.app().ini().set(keys::Tool2abc, fake);
+        QCOMPARE(transposeText(env.app(), QStringLiteral("X:1\nK:G\nG|\n"), 2), QString());
+        QCOMPARE(env.ui().messages(), QStringList { kWaitTimeout });
+    }
+};
+
+FENWORK_TEST(TestEditSessionCore)
+#include "tst_editsessioncore.moc"

@@ -1,0 +1,255 @@
+#include "scoreworld.h"
+#include "testmain.h"
+
+#include "frame/strutil.h"
+#include "frame/toolrunner.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace fenwork;
+using namespace fenwork::test;
+
+namespace {
+
+QString status(const QString &text)
+{
+    return CRLF + u' ' + text;
+}
+
+// Makes the library missing for one scope.
+class NoGhostscript
+{
+public:
+    NoGhostscript()
+        : m_env("FENNELWORKS_GSLIB", "/nonexistent/libgs-missing.so.10")
+    {
+        resetGhostscriptLibrary();
+    }
+    ~NoGhostscript() { resetGhostscriptLibrary(); }
+
+private:
+    EnvScope m_env;
+};
+
+} // namespace
+
+class TestScoreRefresh : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void scoreText_data()
+    {
+        QTest::addColumn<bool>("useHdr");
+        QTest::addColumn<bool>("oneLine");
+        QTest::addColumn<QString>("expected"); // "@" stands for the file's header
+        QTest::newRow("header and tune") << true << false << QStringLiteral("@\r\nTUNE");
+        QTest::newRow("header and current line") << true << true << QStringLiteral("@\r\nLINE");
+        // Without the header the one-line box has no effect.
+        QTest::newRow("no header, one line") << false << true << QStringLiteral("TUNE");
+        QTest::newRow("no header") << false << false << QStringLiteral("TUNE");
+    }
+
+    void scoreText()
+    {
+        QFETCH(bool, useHdr);
+        QFETCH(bool, oneLine);
+        QFETCH(QString, expected);
+        ScoreWorld world;
+        world.env.app().ini().setBool(keys::UseHdr, useHdr);
+        ScoreSource source = world.source();
+        source.editorText = QStringLiteral("TUNE");
+        source.oneLine = oneLine;
+        source.currentLineTune = QStringLiteral("LINE");
+        const QString text = ScoreRefresher(world.env.app()).scoreText(source);
+        const qsizetype header = expected.indexOf(u'@');
+        if (header < 0) {
+            QCOMPARE(text, expected);
+        } else {
+            QVERIFY2(text.startsWith(QStringLiteral("%abc\r\n")), qPrintable(text));
+            QVERIFY2(text.endsWith(QStringLiteral("%%scale 0.9\r\n") + expected.mid(header + 1)),
+                qPrintable(text));
+        }
+    }
+
+    void nothingToShow_data()
+    {
+        QTest::addColumn<bool>("noTune");
+        QTest::newRow("no tune selected") << true;
+        QTest::newRow("empty editor") << false;
+    }
+
+    void nothingToShow()
+    {
+        QFETCH(bool, noTune);
+        ScoreWorld world;
+        ScoreRefresher refresher(world.env.app());
+        const QString blank = world.env.writeFile(QStringLiteral("blank.png"), {});
+        QImage white(20, 30, QImage::Format_Grayscale8);
+        white.fill(Qt::white);
+        white.save(blank);
+        refresher.setBlankPicture(blank);
+        ScoreSource source = world.source();
+        (noTune ? source.tuneKey : source.editorText).clear();
+        int page = 3;
+        const ScoreOutcome outcome = refresher.PartitionRefresh(source, kScoreTarget, 110, page, false);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Blank));
+        QCOMPARE(outcome.image.size(), QSize(20, 30));
+        QCOMPARE(int(outcome.pageText), int(ScoreOutcome::PageText::Unchanged));
+        QCOMPARE(outcome.attempts, 0);
+        QVERIFY(!QFile::exists(world.cache(QStringLiteral("tmp.abc"))));
+        QVERIFY(world.env.ui().shown.isEmpty());
+    }
+
+    void tuneGivesPage_data()
+    {
+        QTest::addColumn<int>("page");
+        QTest::addColumn<int>("resolution");
+        QTest::addColumn<int>("shownPage");
+        QTest::newRow("page 1") << 1 << 110 << 1;
+        QTest::newRow("page 0 is page 1") << 0 << 110 << 1;
+        QTest::newRow("low resolution") << 1 << 50 << 1;
+    }
+
+    void tuneGivesPage()
+    {
+        SKIP_WITHOUT_SCORE_TOOLS();
+        QFETCH(int, page);
+        QFETCH(int, resolution);
+        QFETCH(int, shownPage);
+        ScoreWorld world;
+        ScoreRefresher refresher(world.env.app());
+        const ScoreOutcome outcome
+            = refresher.PartitionRefresh(world.source(), kScoreTarget, resolution, page, false);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Page));
+        QCOMPARE(int(outcome.pageText), int(ScoreOutcome::PageText::Set));
+        QCOMPARE(page, shownPage);
+        QCOMPARE(outcome.attempts, 1);
+        // A page of paper at that resolution: about 8.3 inches wide.
+        QVERIFY2(qAbs(outcome.image.width() - resolution * 827 / 100) < resolution / 2,
+            qPrintable(QString::number(outcome.image.width())));
+        QVERIFY(world.env.ui().shown.isEmpty());
+        // The header went first, then the tune.
+        const QString sent = readAll(world.cache(QStringLiteral("tmp.abc")));
+        QVERIFY(sent.startsWith(QStringLiteral("%abc\r\n")));
+        QVERIFY(sent.contains(QStringLiteral("%%abc-alias Score tests\r\n")));
+        QVERIFY(sent.contains(QStringLiteral("\r\nX:1\r\nT:The Mill Road\r\n")));
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QString>("text"); // empty: the tune itself
+        QTest::addColumn<bool>("speaks");
+        QTest::newRow("page beyond the last") << kScoreTarget << 5 << QString() << true;
+        QTest::newRow("invalid ABC") << kScoreTarget << 1 << QStringLiteral("no music here at all\r\n")
+                                     << true;
+        // Another picture fails the same way without a word.
+        QTest::newRow("other target") << QStringLiteral("img_preview") << 5 << QString() << false;
+    }
+
+    void failures()
+    {
+        SKIP_WITHOUT_SCORE_TOOLS();
+        QFETCH(QString, target);
+        QFETCH(int, page);
+        QFETCH(QString, text);
+        QFETCH(bool, speaks);
+        ScoreWorld world;
+        ScoreRefresher refresher(world.env.app());
+        ScoreSource source = world.source();
+        if (!text.isEmpty())
+            source.editorText = text;
+        const ScoreOutcome outcome = refresher.PartitionRefresh(source, target, 110, page, false);
+        QCOMPARE(outcome.attempts, 2);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Blank));
+        QCOMPARE(int(outcome.pageText), int(ScoreOutcome::PageText::Cleared));
+        const QStringList expected
+            = speaks ? QStringList { status(kScoreRetry), status(kScoreInvalid) } : QStringList {};
+        QCOMPARE(world.env.ui().texts(ScriptedDialogs::Kind::Status), expected);
+        QVERIFY(world.env.ui().messages().isEmpty());
+    }
+
+    void ghostscriptMissing()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("abcm2ps")).isEmpty())
+            QSKIP("abcm2ps is not installed");
+        ScoreWorld world;
+        NoGhostscript missing;
+        ScoreRefresher refresher(world.env.app());
+        int page = 1;
+        ScoreOutcome outcome = refresher.PartitionRefresh(world.source(), kScoreTarget, 110, page, false);
+        QVERIFY(outcome.ghostscriptMissing);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Unchanged));
+        QVERIFY(refresher.manualOnly());
+        const QString gsdllErr = world.env.app().text(QStringLiteral("Msg"), QStringLiteral("<gsdllErr>"));
+        QVERIFY(!gsdllErr.startsWith(u'<'));
+        QCOMPARE(world.env.ui().messages(), QStringList { gsdllErr });
+        QCOMPARE(world.env.ui().texts(ScriptedDialogs::Kind::Status),
+            QStringList { world.env.app().text(QStringLiteral("Msg"), QStringLiteral("<gsDegrad>")) });
+
+        // From now on only a forced refresh runs, and it fails the same way.
+        world.env.ui().clear();
+        outcome = refresher.PartitionRefresh(world.source(), kScoreTarget, 110, page, false);
+        QVERIFY(outcome.skipped);
+        QCOMPARE(outcome.attempts, 0);
+        QVERIFY(world.env.ui().shown.isEmpty());
+        outcome = refresher.PartitionRefresh(world.source(), kScoreTarget, 110, page, true);
+        QVERIFY(outcome.ghostscriptMissing);
+        QCOMPARE(world.env.ui().messages(), QStringList { gsdllErr });
+    }
+
+    void engraverMissingTimesOut()
+    {
+        if (!ghostscriptAvailable())
+            QSKIP("the Ghostscript library is not installed");
+        ScoreWorld world;
+        world.env.app().ini().set(keys::Tool2ps, world.env.path(QStringLiteral("gone/abcm2ps")));
+        const EnvScope noPath("PATH", "/nonexistent");
+        ScoreRefresher refresher(world.env.app());
+        int page = 1;
+        const ScoreOutcome outcome
+            = refresher.PartitionRefresh(world.source(), kScoreTarget, 110, page, false);
+        QCOMPARE(outcome.attempts, 2);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Blank));
+        QCOMPARE(world.env.ui().texts(ScriptedDialogs::Kind::Status),
+            QStringList({ status(kScoreRetry), status(kScoreInvalid) }));
+    }
+
+    void corpusTunes_data()
+    {
+        QTest::addColumn<QString>("file");
+        const QString corpus = corpusDir();
+        if (corpus.isEmpty())
+            return;
+        for (const char *name : { "tuneworks/abc2_1601_boys-of-bluehill.abc", "nottingham/reelsa-c.abc" })
+            QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
+    }
+
+    void corpusTunes()
+    {
+        QFETCH(QString, file);
+        if (!QFile::exists(file))
+            QSKIP("the shared corpus is not here");
+        SKIP_WITHOUT_SCORE_TOOLS();
+        ScoreWorld world;
+        const QString kFile = world.env.app().store().FichierOuvrir(file, false, true, true);
+        const Node *body = world.env.app().tree().find(kFile + key::BdyFile);
+        QVERIFY(body && body->childCount() > 0);
+        ScoreSource source;
+        source.fileKey = kFile;
+        source.tuneKey = body->child(0)->Key;
+        source.editorText = world.env.app().store().GetStringTune(source.tuneKey, false);
+        ScoreRefresher refresher(world.env.app());
+        int page = 1;
+        const ScoreOutcome outcome = refresher.PartitionRefresh(source, kScoreTarget, 110, page, false);
+        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Page));
+        QCOMPARE(outcome.attempts, 1);
+    }
+};
+
+FENWORK_TEST(TestScoreRefresh)
+#include "tst_scorerefresh.moc"
