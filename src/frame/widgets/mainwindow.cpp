@@ -18,6 +18,7 @@
 #include "frame/widgets/mainstatusbar.h"
 #include "frame/widgets/progressstrip.h"
 #include "frame/widgets/widgetdialogs.h"
+#include "playback/widgets/dronepanel.h"
 #include "playback/widgets/playerpanel.h"
 #include "score/widgets/scorepanel.h"
 #include "store/filecommands.h"
@@ -201,6 +202,10 @@ void MainWindow::buildPanels()
     host.selectNode = [this](const QString &key) { SimulerNodeClick(key); };
     host.choiceList = [this] { return m_explorer->choiceList(); };
     m_player->setHost(host);
+    auto *drone = new DronePanel(m_app, m_player->midiOut());
+    m_player->setDronePanel(drone);
+    connect(m_player, &PlayerPanel::stopped, drone, &DronePanel::stopDrone);
+    connect(m_player, &PlayerPanel::mainPitchChanged, drone, [drone](int) { drone->followTransposition(); });
     ExplorerPanel *explorer = m_explorer;
     m_filter->filter().setChoiceList({ [explorer] { explorer->clearChoiceList(); },
         [explorer](const QString &key, const QString &caption) { return explorer->AddTunetolst(key, caption); },
@@ -270,6 +275,8 @@ void MainWindow::LoadLang()
     m_filter->LoadLang();
     m_score->loadLang();
     m_player->LoadLang();
+    if (auto *drone = findChild<DronePanel *>(QStringLiteral("pic_drone")))
+        drone->LoadLang();
     m_edit->loadLang();
     m_tabs->setTabText(0, lang.text(kMainForm, QStringLiteral("<explorer>")));
     m_tabs->setTabText(1, lang.text(kMainForm, QStringLiteral("<find>")));
