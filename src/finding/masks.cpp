@@ -53,11 +53,6 @@ double leadingNumber(const QString &line, bool *clean)
     return ok ? value : 0.0;
 }
 
-bool usableName(const QString &name)
-{
-    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') && !name.contains(QChar(0));
-}
-
 } // namespace
 
 QString maskFolder(const Paths &paths)
@@ -67,7 +62,7 @@ QString maskFolder(const Paths &paths)
 
 QStringList maskNames(const Paths &paths)
 {
-    return QDir(maskFolder(paths)).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+    return fileNamesIn(maskFolder(paths));
 }
 
 QString freeMaskName(const Paths &paths)
@@ -77,7 +72,7 @@ QString freeMaskName(const Paths &paths)
 
 bool maskExists(const Paths &paths, const QString &name)
 {
-    return usableName(name) && QFileInfo(QDir(maskFolder(paths)).filePath(name)).isFile();
+    return namedFileExists(maskFolder(paths), name);
 }
 
 QString maskText(const FilterConditions &conditions)
@@ -131,7 +126,7 @@ QStringList applyMaskText(const QString &text, FilterConditions &conditions)
 MaskLoad loadMask(const Paths &paths, const QString &name, FilterConditions &conditions)
 {
     MaskLoad load;
-    if (!usableName(name)) {
+    if (!isPlainFileName(name)) {
         load.error = QStringLiteral("Not a mask name: \"%1\"").arg(name);
         return load;
     }
@@ -152,7 +147,7 @@ MaskLoad loadMask(const Paths &paths, const QString &name, FilterConditions &con
 
 bool saveMask(const Paths &paths, const QString &name, const FilterConditions &conditions, QString *error)
 {
-    if (!usableName(name)) {
+    if (!isPlainFileName(name)) {
         if (error)
             *error = QStringLiteral("A mask name can't be empty, \".\", \"..\" or hold \"/\": \"%1\"").arg(name);
         return false;
@@ -168,7 +163,7 @@ bool saveMask(const Paths &paths, const QString &name, const FilterConditions &c
 
 void deleteMask(const Paths &paths, const QString &name)
 {
-    if (usableName(name))
+    if (isPlainFileName(name))
         QFile::remove(QDir(maskFolder(paths)).filePath(name));
 }
 

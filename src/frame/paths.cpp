@@ -136,4 +136,20 @@ QString uniqueName(const QString &base, const QString &extension, const QString 
     return {};
 }
 
+
+bool isPlainFileName(const QString &name)
+{
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') && !name.contains(QChar(0));
+}
+
+QStringList fileNamesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+}
+
+bool namedFileExists(const QString &folder, const QString &name)
+{
+    return isPlainFileName(name) && QFileInfo(QDir(folder).filePath(name)).isFile();
+}
+
 } // namespace fenwork

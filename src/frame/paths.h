@@ -41,4 +41,12 @@ QString specialFolder(int number);
 // no extension. An empty extension tests the bare name.
 QString uniqueName(const QString &base, const QString &extension, const QString &folder);
 
+// Files kept by their bare name in one folder of the user root (masks, drones).
+// A name that can stand for such a file: no folder part, not "." or "..".
+bool isPlainFileName(const QString &name);
+// The names of the files in `folder`, sorted regardless of case.
+QStringList fileNamesIn(const QString &folder);
+// Whether `name` is a plain name of a file in `folder`.
+bool namedFileExists(const QString &folder, const QString &name);
+
 } // namespace fenwork

@@ -37,12 +37,6 @@ QStringList splitLines(const QString &text)
     return lines;
 }
 
-bool usableName(const QString &name)
-{
-    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/')
-        && !name.contains(QChar(0));
-}
-
 int clampData(int value)
 {
     return qBound(0, value, 127);
@@ -114,7 +108,7 @@ QString droneFolder(const Paths &paths)
 
 QStringList droneNames(const Paths &paths)
 {
-    return QDir(droneFolder(paths)).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+    return fileNamesIn(droneFolder(paths));
 }
 
 QString freeDroneName(const Paths &paths)
@@ -124,7 +118,7 @@ QString freeDroneName(const Paths &paths)
 
 bool droneExists(const Paths &paths, const QString &name)
 {
-    return usableName(name) && QFileInfo(QDir(droneFolder(paths)).filePath(name)).isFile();
+    return namedFileExists(droneFolder(paths), name);
 }
 
 QString droneText(const DroneVoices &voices)
@@ -178,7 +172,7 @@ bool loadDrone(const Paths &paths, const QString &name, DroneVoices &voices, QSt
             *error = why;
         return false;
     };
-    if (!usableName(name))
+    if (!isPlainFileName(name))
         return fail(QStringLiteral("Not a drone name: \"%1\"").arg(name));
     const QString path = QDir(droneFolder(paths)).filePath(name);
     if (!QFileInfo(path).isFile())
@@ -194,7 +188,7 @@ bool loadDrone(const Paths &paths, const QString &name, DroneVoices &voices, QSt
 
 bool saveDrone(const Paths &paths, const QString &name, const DroneVoices &voices, QString *error)
 {
-    if (!usableName(name)) {
+    if (!isPlainFileName(name)) {
         if (error)
             *error = QStringLiteral("A drone name can't be empty, \".\", \"..\" or hold \"/\": \"%1\"")
                          .arg(name);
@@ -211,7 +205,7 @@ bool saveDrone(const Paths &paths, const QString &name, const DroneVoices &voice
 
 void deleteDrone(const Paths &paths, const QString &name)
 {
-    if (usableName(name))
+    if (isPlainFileName(name))
         QFile::remove(QDir(droneFolder(paths)).filePath(name));
 }
 

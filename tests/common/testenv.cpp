@@ -2,7 +2,9 @@
 
 #include "frame/inifile.h"
 #include "frame/settings.h"
+#include "frame/widgets/mainwindow.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -52,6 +54,38 @@ QByteArray readBytes(const QString &path)
 QString readAll(const QString &path)
 {
     return QString::fromUtf8(readBytes(path));
+}
+
+EnvGuard::EnvGuard(const char *name, const QByteArray &value)
+    : m_name(name)
+    , m_had(qEnvironmentVariableIsSet(name))
+    , m_old(qgetenv(name))
+{
+    if (value.isNull())
+        qunsetenv(name);
+    else
+        qputenv(name, value);
+}
+
+EnvGuard::~EnvGuard()
+{
+    if (m_had)
+        qputenv(m_name, m_old);
+    else
+        qunsetenv(m_name);
+}
+
+std::unique_ptr<MainWindow> loadedMainWindow(TestEnv &env)
+{
+    const IniFile &ini = env.app().ini();
+    ini.set(keys::Ask4alias, QStringLiteral("0"));
+    ini.set(keys::FichBak, QStringLiteral("0"));
+    auto window = std::make_unique<MainWindow>(env.app());
+    window->MainLoad();
+    window->show();
+    QApplication::setActiveWindow(window.get());
+    QApplication::processEvents();
+    return window;
 }
 
 } // namespace fenwork::test

@@ -4,9 +4,14 @@
 #include "frame/appcontext.h"
 #include "frame/scripteddialogs.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
 #include <memory>
+
+namespace fenwork {
+class MainWindow;
+}
 
 namespace fenwork::test {
 
@@ -30,6 +35,25 @@ private:
     ScriptedDialogs m_ui;
     std::unique_ptr<AppContext> m_app;
 };
+
+// Sets an environment variable for one scope (a null value unsets it) and puts the old value back.
+class EnvGuard
+{
+public:
+    EnvGuard(const char *name, const QByteArray &value);
+    ~EnvGuard();
+    EnvGuard(const EnvGuard &) = delete;
+    EnvGuard &operator=(const EnvGuard &) = delete;
+
+private:
+    const char *m_name;
+    bool m_had;
+    QByteArray m_old;
+};
+
+// The main window over `env`, loaded and shown, with the start-up questions of a first run
+// (alias, backup copies) answered in the settings so that nothing waits for a person.
+std::unique_ptr<MainWindow> loadedMainWindow(TestEnv &env);
 
 QString corpusDir();      // ../shared/corpus, empty when absent
 QString testDataDir();    // tests/

@@ -40,14 +40,7 @@ class Window
 public:
     Window()
     {
-        const IniFile &ini = env.app().ini();
-        ini.set(keys::Ask4alias, QStringLiteral("0"));
-        ini.set(keys::FichBak, QStringLiteral("0"));
-        window = std::make_unique<MainWindow>(env.app());
-        window->MainLoad();
-        window->show();
-        QApplication::setActiveWindow(window.get());
-        QApplication::processEvents();
+        window = test::loadedMainWindow(env);
         kFile = window->openPath(env.writeFile("reels.abc", kReels));
     }
     ~Window() { window.reset(); }

@@ -1,3 +1,4 @@
+#include "testenv.h"
 #include "testmain.h"
 
 #include "frame/paths.h"
@@ -12,34 +13,6 @@
 using namespace fenwork;
 
 namespace {
-
-// Sets an environment variable for one scope and puts the old value back.
-class EnvGuard
-{
-public:
-    EnvGuard(const char *name, const QByteArray &value)
-        : m_name(name)
-        , m_had(qEnvironmentVariableIsSet(name))
-        , m_old(qgetenv(name))
-    {
-        if (value.isNull())
-            qunsetenv(name);
-        else
-            qputenv(name, value);
-    }
-    ~EnvGuard()
-    {
-        if (m_had)
-            qputenv(m_name, m_old);
-        else
-            qunsetenv(m_name);
-    }
-
-private:
-    const char *m_name;
-    bool m_had;
-    QByteArray m_old;
-};
 
 void touch(const QString &path)
 {
@@ -71,8 +44,8 @@ private slots:
     void fromEnvironment()
     {
         QTemporaryDir dir;
-        const EnvGuard root("FENNELWORKS_ROOT", QFile::encodeName(dir.path() + QStringLiteral("/r/")));
-        const EnvGuard app("FENNELWORKS_APPDIR", QFile::encodeName(dir.path() + QStringLiteral("/app")));
+        const test::EnvGuard root("FENNELWORKS_ROOT", QFile::encodeName(dir.path() + QStringLiteral("/r/")));
+        const test::EnvGuard app("FENNELWORKS_APPDIR", QFile::encodeName(dir.path() + QStringLiteral("/app")));
         const Paths paths = Paths::fromEnvironment();
         QCOMPARE(paths.userRoot(), dir.path() + QStringLiteral("/r"));
         QCOMPARE(paths.programFolder(), dir.path() + QStringLiteral("/app"));
@@ -81,9 +54,9 @@ private slots:
     void defaultRootFollowsXdg()
     {
         QTemporaryDir dir;
-        const EnvGuard root("FENNELWORKS_ROOT", QByteArray());
-        const EnvGuard data("XDG_DATA_HOME", QFile::encodeName(dir.path()));
-        const EnvGuard app("FENNELWORKS_APPDIR", QByteArray());
+        const test::EnvGuard root("FENNELWORKS_ROOT", QByteArray());
+        const test::EnvGuard data("XDG_DATA_HOME", QFile::encodeName(dir.path()));
+        const test::EnvGuard app("FENNELWORKS_APPDIR", QByteArray());
         const Paths paths = Paths::fromEnvironment();
         QCOMPARE(paths.userRoot(), dir.path() + QStringLiteral("/Fennelworks"));
         QVERIFY(!paths.programFolder().isEmpty());
@@ -93,7 +66,7 @@ private slots:
     void specialFolders()
     {
         QTemporaryDir dir;
-        const EnvGuard data("XDG_DATA_HOME", QFile::encodeName(dir.path() + QStringLiteral("/")));
+        const test::EnvGuard data("XDG_DATA_HOME", QFile::encodeName(dir.path() + QStringLiteral("/")));
         QCOMPARE(specialFolder(SF_AppData), dir.path() + QStringLiteral("/"));
         const QString documents = specialFolder(SF_Documents);
         QVERIFY(documents.endsWith(u'/'));

@@ -65,31 +65,6 @@ public:
     QString tuneKey;
 };
 
-// Sets an environment variable for one scope.
-class EnvScope
-{
-public:
-    EnvScope(const char *name, const QByteArray &value)
-        : m_name(name)
-        , m_had(qEnvironmentVariableIsSet(name))
-        , m_old(qgetenv(name))
-    {
-        qputenv(name, value);
-    }
-    ~EnvScope()
-    {
-        if (m_had)
-            qputenv(m_name, m_old);
-        else
-            qunsetenv(m_name);
-    }
-
-private:
-    const char *m_name;
-    bool m_had;
-    QByteArray m_old;
-};
-
 } // namespace fenwork::test
 
 #define SKIP_WITHOUT_SCORE_TOOLS()                                                                           \

@@ -104,7 +104,7 @@ private slots:
         QVERIFY(!before.isNull());
 
         world.env.app().ini().set(keys::Tool2ps, world.env.path(QStringLiteral("gone/abcm2ps")));
-        const EnvScope noPath("PATH", "/nonexistent");
+        const test::EnvGuard noPath("PATH", "/nonexistent");
         world.env.ui().setEscapePressed(true, 1);
         world.panel.requestRefresh(world.tuneText() + QStringLiteral("abc|\r\n"));
         QCOMPARE(world.panel.picture(), before);
@@ -152,7 +152,7 @@ private slots:
         if (QStandardPaths::findExecutable(QStringLiteral("abcm2ps")).isEmpty())
             QSKIP("abcm2ps is not installed");
         PanelWorld world;
-        const EnvScope missing("FENNELWORKS_GSLIB", "/nonexistent/libgs-missing.so.10");
+        const test::EnvGuard missing("FENNELWORKS_GSLIB", "/nonexistent/libgs-missing.so.10");
         resetGhostscriptLibrary();
         world.panel.setPauseVisible(true);
         world.panel.showTune(world.tuneText());

@@ -30,7 +30,7 @@ public:
     ~NoGhostscript() { resetGhostscriptLibrary(); }
 
 private:
-    EnvScope m_env;
+    test::EnvGuard m_env;
 };
 
 } // namespace
@@ -208,7 +208,7 @@ private slots:
             QSKIP("the Ghostscript library is not installed");
         ScoreWorld world;
         world.env.app().ini().set(keys::Tool2ps, world.env.path(QStringLiteral("gone/abcm2ps")));
-        const EnvScope noPath("PATH", "/nonexistent");
+        const test::EnvGuard noPath("PATH", "/nonexistent");
         ScoreRefresher refresher(world.env.app());
         int page = 1;
         const ScoreOutcome outcome
