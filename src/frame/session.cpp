@@ -5,10 +5,13 @@
 #include "frame/appcontext.h"
 #include "frame/paths.h"
 #include "frame/strutil.h"
+#include "frame/userdialogs.h"
 #include "store/node.h"
 #include "store/workspacetree.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 namespace fenwork {
 
@@ -90,6 +93,24 @@ void cleanScratchFiles(const Paths &paths)
         cache.remove(name);
     for (const QString &name : cache.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
         QDir(cache.filePath(name)).removeRecursively();
+}
+
+bool offerRecovery(AppContext &app, const std::function<void(const QString &path)> &openInEditor)
+{
+    const QString recover = app.paths().recoverFile();
+    if (!QFileInfo::exists(recover))
+        return false;
+    // The editor gets a copy: the original goes once the box is dismissed, whatever the editor did.
+    const QString copy = app.paths().cacheFolder() + QStringLiteral("/recover_tune.txt");
+    QDir().mkpath(app.paths().cacheFolder());
+    QFile::remove(copy);
+    if (QFile::copy(recover, copy) && openInEditor)
+        openInEditor(copy);
+    const QString msg = QStringLiteral("Msg");
+    app.ui().message(app.text(msg, QStringLiteral("<recovTune1>")) + CRLF + app.text(msg, QStringLiteral("<recovTune2>")),
+        UserDialogs::Icon::Information, app.text(msg, QStringLiteral("<recov>")));
+    QFile::remove(recover);
+    return true;
 }
 
 } // namespace fenwork

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace fenwork {
 
 class IniFile;
@@ -35,5 +37,10 @@ void writeOpenFiles(AppContext &app, bool reset);
 
 // Deletes tmp* files directly under the user root and everything in the cache folder.
 void cleanScratchFiles(const Paths &paths);
+
+// The crash signal: a recovery copy left by an edit session that never ended. A copy of it is
+// handed to `openInEditor` and the user is told; the original goes once the message is read.
+// False when there was nothing to recover.
+bool offerRecovery(AppContext &app, const std::function<void(const QString &path)> &openInEditor);
 
 } // namespace fenwork

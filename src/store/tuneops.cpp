@@ -282,6 +282,15 @@ void AddTuneAsPart(AppContext &app, const QString &kSource, const QString &kTarg
         app.ui().message(msg(app, "<noCloseRepeat>"));
 }
 
+bool cutTuneNotPasted(AppContext &app)
+{
+    const QString &pending = app.store().pendingTune;
+    if (pending.isEmpty())
+        return false;
+    // A copied tune still stands in the tree under its key; a cut one does not.
+    return !app.tree().find(pending.left(pending.indexOf(CRLF)));
+}
+
 QStringList clipboardTunes(const QString &text)
 {
     if (!text.contains(QStringLiteral("X:")))

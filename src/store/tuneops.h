@@ -23,6 +23,9 @@ QString AddNewTune(AppContext &app, const QString &kFile, bool useTemplate);
 // Appends the tune `kSource` to the tune `kTarget` as further parts, played `repeats` times.
 void AddTuneAsPart(AppContext &app, const QString &kSource, const QString &kTarget, int repeats);
 
+// A tune was cut and not pasted: the only copy of it is the pending text.
+bool cutTuneNotPasted(AppContext &app);
+
 // The pieces a clipboard text makes: cut at every "X:", or one tune numbered 0 when it has none.
 QStringList clipboardTunes(const QString &text);
 

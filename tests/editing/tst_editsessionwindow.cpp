@@ -1,6 +1,7 @@
 // The edit session in the main window, driven by keys: starting, typing, undo, the blank-line
 // guard, validation into the tree, cancelling with and without changes, the locked editor's
-// question, the recovery file, the header session and transposition from the tool bar.
+// question, the recovery file and a crash, quitting during a session or with a cut tune, the
+// header session and transposition from the tool bar.
 #include "testenv.h"
 #include "testmain.h"
 
@@ -10,22 +11,31 @@
 #include "frame/settings.h"
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainwindow.h"
+#include "frame/session.h"
+#include "store/tuneops.h"
 #include "store/tunestore.h"
+#include "store/widgets/treemodel.h"
 #include "store/widgets/treeview.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QProcess>
+#include <QScopeGuard>
 #include <QSpinBox>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <memory>
+
+#include <csignal>
 
 using namespace fenwork;
 using Answer = UserDialogs::Answer;
@@ -40,10 +50,16 @@ class Window
 public:
     Window()
     {
+        // The session opens the note output: it must sound into a file, never into a device.
+        qputenv("FENNELWORKS_AUDIO", "file:" + env.path(QStringLiteral("out.wav")).toUtf8());
         window = test::loadedMainWindow(env);
         kFile = window->openPath(env.writeFile("reels.abc", kReels));
     }
-    ~Window() { window.reset(); }
+    ~Window()
+    {
+        window.reset();
+        qunsetenv("FENNELWORKS_AUDIO");
+    }
 
     AppContext &app() { return env.app(); }
     ScriptedDialogs &ui() { return env.ui(); }
@@ -67,6 +83,12 @@ public:
     }
     void moveToEnd() { editor()->moveCursor(QTextCursor::End); }
     QString stored(int n) { return app().store().GetStringTune(tuneKey(n), false); }
+    bool shows(const char *name) { return window->findChild<QWidget *>(QString::fromLatin1(name))->isVisible(); }
+    bool expanded(const QString &key)
+    {
+        TreeView *tree = window->tree();
+        return tree->isExpanded(tree->treeModel()->indexOf(app().tree().find(key)));
+    }
     bool windowClosedOff()
     {
         return !window->tree()->isEnabled()
@@ -96,6 +118,9 @@ private slots:
         QVERIFY(w.edit().isEditing());
         QVERIFY(!w.editor()->isReadOnly());
         QVERIFY(w.windowClosedOff());
+        QVERIFY(w.shows("pic_Warning"));
+        QVERIFY(w.expanded(w.tuneKey(1)));
+        QVERIFY(!w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY(w.barAction("ok")->isVisible());
         QVERIFY(!w.barAction("abcedit")->isVisible());
 
@@ -116,6 +141,8 @@ private slots:
         QVERIFY(!w.edit().isEditing());
         QVERIFY(w.editor()->isReadOnly());
         QVERIFY(!w.windowClosedOff());
+        QVERIFY(!w.shows("pic_Warning"));
+        QVERIFY(w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY2(
             w.stored(1).endsWith(QStringLiteral("GABc d2B2|cBA\r\n%\r\nG4|\r\n")), qPrintable(w.stored(1)));
         QVERIFY(w.stored(2).contains(QStringLiteral("defg a2|")));
@@ -217,6 +244,94 @@ private slots:
         QVERIFY(!QFile::exists(recover));
     }
 
+    // Quitting must not silently drop the text being edited, nor a tune that was cut and never
+    // pasted: both ask, and No keeps the program running.
+    void quitAsks_data()
+    {
+        QTest::addColumn<QString>("situation");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<bool>("quits");
+        QTest::newRow("session, Yes") << "session" << int(Answer::Yes) << "<editCur>" << true;
+        QTest::newRow("session, No") << "session" << int(Answer::No) << "<editCur>" << false;
+        QTest::newRow("cut tune, Yes") << "cut" << int(Answer::Yes) << "<clipNotSaved>" << true;
+        QTest::newRow("cut tune, No") << "cut" << int(Answer::No) << "<clipNotSaved>" << false;
+        QTest::newRow("copied tune") << "copy" << int(Answer::Yes) << "" << true;
+    }
+    void quitAsks()
+    {
+        QFETCH(QString, situation);
+        QFETCH(int, answer);
+        QFETCH(QString, asked);
+        QFETCH(bool, quits);
+        Window w;
+        w.select(w.tuneKey(1));
+        if (situation == u"session") {
+            w.key(Qt::Key_F5);
+            w.edit().session().writeRecovery();
+        } else if (situation == u"cut") {
+            mnu_cutTune(w.app());
+        } else {
+            mnu_copyTune(w.app());
+        }
+        w.ui().clear();
+        w.ui().pushAnswer(Answer(answer));
+        w.ui().pushAnswer(Answer::No); // "save the changed file?" after a cut
+        QCOMPARE(w.window->Form_Unload(), quits);
+        const QStringList questions = w.ui().texts(ScriptedDialogs::Kind::Question);
+        if (asked.isEmpty()) {
+            QVERIFY(questions.isEmpty());
+        } else {
+            QVERIFY(!questions.isEmpty());
+            QVERIFY2(questions.first().startsWith(w.app().text(QStringLiteral("Msg"), asked)),
+                qPrintable(questions.first()));
+            QVERIFY(questions.first().endsWith(w.app().text(QStringLiteral("Msg"), QStringLiteral("<quitConfirm>"))));
+        }
+        if (situation == u"session") {
+            // Yes ends the run in order: nothing is left for a crash recovery at the next start.
+            QCOMPARE(QFile::exists(w.app().paths().recoverFile()), !quits);
+            QVERIFY(w.edit().isEditing());
+        }
+    }
+
+    // A killed process leaves its last recovery copy behind, and the next start offers it.
+    void crashLeavesRecovery()
+    {
+        QProcess child;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("FENWORK_TEST_CLASS"), QStringLiteral("EditCrashChild"));
+        env.insert(QStringLiteral("FENWORK_CRASH_CHILD"), QStringLiteral("1"));
+        child.setProcessEnvironment(env);
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(), {});
+        QVERIFY(child.waitForStarted());
+        QString root;
+        for (int i = 0; i < 600 && root.isEmpty(); ++i) {
+            child.waitForReadyRead(100);
+            while (child.canReadLine()) {
+                const QString line = QString::fromUtf8(child.readLine()).trimmed();
+                if (line.startsWith(QStringLiteral("READY ")))
+                    root = line.mid(6);
+            }
+        }
+        QVERIFY2(!root.isEmpty(), "the child never wrote its recovery copy");
+        ::kill(pid_t(child.processId()), SIGKILL);
+        QVERIFY(child.waitForFinished(10000));
+        const auto removeRoot = qScopeGuard([&root] { QDir(root).removeRecursively(); });
+
+        ScriptedDialogs ui;
+        AppContext app(Paths(root, QStringLiteral(FENWORK_DATA_DIR)), &ui);
+        app.buildStartupTexts();
+        QVERIFY(QFile::exists(app.paths().recoverFile()));
+        QString opened;
+        QVERIFY(offerRecovery(app, [&opened](const QString &path) { opened = path; }));
+        QVERIFY2(test::readAll(opened).endsWith(QStringLiteral("d2B2|zq")), qPrintable(test::readAll(opened)));
+        QCOMPARE(ui.messages().size(), 1);
+        QVERIFY(ui.messages().first().startsWith(app.text(QStringLiteral("Msg"), QStringLiteral("<recovTune1>"))));
+        QVERIFY(!QFile::exists(app.paths().recoverFile()));
+        QVERIFY(!offerRecovery(app, {}));
+    }
+
     void headerSession()
     {
         Window w;
@@ -268,5 +383,31 @@ private slots:
     }
 };
 
+// Run as a child process by crashLeavesRecovery: edits a tune until the session's own timer has
+// written the recovery copy, says where, and waits to be killed.
+class EditCrashChild : public QObject
+{
+    Q_OBJECT
+private slots:
+    void editUntilKilled()
+    {
+        if (qEnvironmentVariableIsEmpty("FENWORK_CRASH_CHILD"))
+            QSKIP("run by crashLeavesRecovery only");
+        auto *w = new Window; // never destroyed: the process is killed
+        w->select(w->tuneKey(1));
+        w->key(Qt::Key_F5);
+        w->moveToEnd();
+        QTest::keyClicks(w->editor(), QStringLiteral("zq"));
+        const QString recover = w->app().paths().recoverFile();
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(recover), 30000);
+        QFile out;
+        QVERIFY(out.open(stdout, QIODevice::WriteOnly));
+        out.write("READY " + w->env.root().toUtf8() + "\n");
+        out.flush();
+        QTest::qWait(600000);
+    }
+};
+
 FENWORK_TEST(TestEditSessionWindow)
+FENWORK_TEST(EditCrashChild)
 #include "tst_editsessionwindow.moc"

@@ -26,6 +26,7 @@ const QColor kSessionGround(0xFF, 0xFF, 0xFF);
 AbcTextPanel::AbcTextPanel(QWidget *parent)
     : QWidget(parent)
     , m_caption(new QLabel(this))
+    , m_warning(new QLabel(this))
     , m_text(new QPlainTextEdit(this))
     , m_highlighter(new AbcHighlighter(m_text->document()))
 {
@@ -38,6 +39,14 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     captionFont.setPointSizeF(captionFont.pointSizeF() * 1.15);
     m_caption->setFont(captionFont);
     m_caption->setContentsMargins(4, 2, 4, 2);
+
+    m_warning->setObjectName(QStringLiteral("pic_Warning"));
+    m_warning->setTextFormat(Qt::PlainText);
+    m_warning->setWordWrap(true);
+    m_warning->setContentsMargins(6, 3, 6, 3);
+    // Light amber with dark text: noticed at once, yet readable in both light and dark themes.
+    m_warning->setStyleSheet(QStringLiteral("QLabel { background: #fff3c4; color: #5a4300; border: 1px solid #e0c060; }"));
+    m_warning->hide();
 
     m_text->setObjectName(QStringLiteral("txt_ABC"));
     m_text->setReadOnly(true);
@@ -52,6 +61,7 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSpacing(2);
     m_layout->addWidget(m_caption);
+    m_layout->addWidget(m_warning);
     m_layout->addWidget(m_text, 1);
     applyLockedLook();
 }
@@ -204,6 +214,17 @@ void AbcTextPanel::applyLockedLook()
         pal.color(QPalette::Active, QPalette::HighlightedText));
     if (m_text->palette() != pal)
         m_text->setPalette(pal);
+}
+
+void AbcTextPanel::setWarning(const QString &text)
+{
+    m_warning->setText(text);
+    m_warning->setVisible(!text.isEmpty());
+}
+
+bool AbcTextPanel::isWarningShown() const
+{
+    return !m_warning->isHidden();
 }
 
 } // namespace fenwork

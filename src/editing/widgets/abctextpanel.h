@@ -51,6 +51,9 @@ public:
     bool isLocked() const { return m_locked; }
     // Puts the edit session's tool bar between the caption and the text.
     void setEditBar(QWidget *bar);
+    // The strip `pic_Warning` under the tool bar that tells an edit session runs; empty hides it.
+    void setWarning(const QString &text);
+    bool isWarningShown() const;
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -59,6 +62,7 @@ private:
     void applyLockedLook();
 
     QLabel *m_caption;
+    QLabel *m_warning;
     QPlainTextEdit *m_text;
     AbcHighlighter *m_highlighter;
     QVBoxLayout *m_layout = nullptr;

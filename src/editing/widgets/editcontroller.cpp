@@ -4,15 +4,22 @@
 #include "editing/transpose.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
+#include "frame/paths.h"
 #include "frame/commandstate.h"
 #include "frame/userdialogs.h"
 #include "frame/widgets/mainmenus.h"
+#include "playback/midierror.h"
+#include "playback/midiout.h"
+#include "playback/widgets/dronepanel.h"
+#include "playback/widgets/playerpanel.h"
 #include "score/widgets/scorepanel.h"
+#include "store/widgets/treeview.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QFile>
 #include <QHash>
 #include <QKeyEvent>
 #include <QLabel>
@@ -22,6 +29,7 @@
 #include <QSpinBox>
 #include <QTextBlock>
 #include <QToolBar>
+#include <QTimer>
 #include <QToolButton>
 
 namespace fenwork {
@@ -129,7 +137,7 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
 
 EditController::~EditController() = default;
 
-void EditController::attach(QWidget *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score)
+void EditController::attach(TreeView *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score)
 {
     m_tree = tree;
     m_menus = menus;
@@ -139,6 +147,13 @@ void EditController::attach(QWidget *tree, MainMenus *menus, QToolBar *mainBar, 
         m_score->currentLineTune = [this] { return getCurLineAsTune(); };
         m_score->setPauseVisible(false);
     }
+}
+
+void EditController::attachPlayback(PlayerPanel *player, DronePanel *drone, MidiOut *notes)
+{
+    m_player = player;
+    m_drone = drone;
+    m_notes = notes;
 }
 
 void EditController::loadLang()
@@ -166,6 +181,17 @@ bool EditController::isEditing() const
     return m_session->isActive();
 }
 
+bool EditController::isEditingTune() const
+{
+    return m_session->target() == EditSession::Target::Tune;
+}
+
+void EditController::abandonRecovery()
+{
+    m_session->recoveryTimer()->stop();
+    QFile::remove(m_app.paths().recoverFile());
+}
+
 void EditController::key_F5()
 {
     if (m_edit->isVisible() && m_edit->isEnabled())
@@ -188,9 +214,16 @@ void EditController::abcedit()
     if (!m_session->start(editor->toPlainText()))
         return;
     m_shownText = editor->toPlainText();
-    m_editedKey = m_session->target() == EditSession::Target::Tune
-        ? m_session->tuneKey()
-        : m_session->fileKey() + QStringLiteral("_hdrFile");
+    const bool tune = isEditingTune();
+    m_editedKey = tune ? m_session->tuneKey() : m_session->fileKey() + QStringLiteral("_hdrFile");
+    if (tune) {
+        // The notes typed in the tune sound on the drone's output, so the drone gives way.
+        if (m_drone)
+            m_drone->stopDrone();
+        QString error;
+        if (m_notes && !m_notes->open(&error))
+            DisplayErrMidi(m_app.ui(), error, QStringLiteral("Context: Edit ABC file > midiOutOpen"));
+    }
     editor->setExtraSelections({});
     m_panel->setLocked(false);
     editor->setFocus();
@@ -198,15 +231,25 @@ void EditController::abcedit()
     setSessionLook(true);
     m_undo->setEnabled(false);
     if (m_score)
-        m_score->setPauseVisible(m_session->target() == EditSession::Target::Tune);
-    m_app.ui().statusMessage(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")));
+        m_score->setPauseVisible(tune);
+    m_panel->setWarning(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")) + u'\n'
+        + m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition2>")));
+    if (m_tree)
+        m_tree->expandKey(m_editedKey);
+    setNextPrevEnabled(false);
 }
 
 bool EditController::validate()
 {
     if (!isEditing())
         return false;
-    return m_session->validate(m_panel->editor()->toPlainText());
+    const bool tune = isEditingTune();
+    if (!m_session->validate(m_panel->editor()->toPlainText()))
+        return false;
+    // The old version of the tune must not go on sounding.
+    if (tune && m_player && m_player->hasPerformance())
+        m_player->pressStop();
+    return true;
 }
 
 bool EditController::cancel()
@@ -240,7 +283,10 @@ void EditController::sessionEnded(bool validated)
     setSessionLook(false);
     if (m_score)
         m_score->setPauseVisible(false);
-    m_app.ui().statusMessage(QString());
+    if (m_notes && m_notes->isOpen())
+        m_notes->close();
+    m_panel->setWarning({});
+    setNextPrevEnabled(true);
     const QString key = m_editedKey;
     m_editedKey.clear();
     if (validated && selectNode)
@@ -256,6 +302,16 @@ void EditController::setSessionLook(bool editing)
     m_app.commands().setEnabled(QStringLiteral("key_Esc"), editing);
     for (QAction *action : { m_ok, m_cancel, m_undo, m_down, m_up, m_stepAction })
         action->setVisible(editing);
+}
+
+void EditController::setNextPrevEnabled(bool enabled)
+{
+    if (!m_player)
+        return;
+    for (const char *name : { "bt_playNextPrev0", "bt_playNextPrev1" }) {
+        if (auto *button = m_player->findChild<QWidget *>(QString::fromLatin1(name)))
+            button->setEnabled(enabled);
+    }
 }
 
 void EditController::closeWindow(bool closed)

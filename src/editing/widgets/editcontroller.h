@@ -17,9 +17,13 @@ namespace fenwork {
 
 class AbcTextPanel;
 class AppContext;
+class DronePanel;
 class EditSession;
 class MainMenus;
+class MidiOut;
+class PlayerPanel;
 class ScorePanel;
+class TreeView;
 
 // The edit session in the window: the tool bar `tb_edit` above the text, the keys of `txt_ABC`,
 // the locked editor's question, paste, the blank-line guard, undo, the caret's line:column, word
@@ -32,7 +36,10 @@ public:
     ~EditController() override;
 
     // What a session closes off, and what it asks for redraws and the selection.
-    void attach(QWidget *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score);
+    void attach(TreeView *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score);
+    // A session on a tune owns the note output, silences the drone and stops the player on
+    // validation.
+    void attachPlayback(PlayerPanel *player, DronePanel *drone, MidiOut *notes);
     void loadLang();
 
     // Called with the tree key to show again after a validation (the window's node click).
@@ -40,6 +47,10 @@ public:
 
     EditSession &session() const { return *m_session; }
     bool isEditing() const;
+    // A tune, not a file header, is being edited: the note output belongs to the session.
+    bool isEditingTune() const;
+    // Quitting with a session running: no recovery copy must survive the orderly exit.
+    void abandonRecovery();
     QToolBar *toolBar() const { return m_bar; }
 
     // F5: starts a session, or validates the running one.
@@ -69,6 +80,7 @@ private:
     void popupMenu(const QPoint &pos);
     void setWrap(bool wrap);
     void sessionEnded(bool validated);
+    void setNextPrevEnabled(bool enabled);
 
     AppContext &m_app;
     AbcTextPanel *m_panel;
@@ -87,10 +99,13 @@ private:
     QCheckBox *m_wrap;
     QLabel *m_caret;
     QMenu *m_popup;
-    QPointer<QWidget> m_tree;
+    QPointer<TreeView> m_tree;
     QPointer<MainMenus> m_menus;
     QPointer<QToolBar> m_mainBar;
     QPointer<ScorePanel> m_score;
+    QPointer<PlayerPanel> m_player;
+    QPointer<DronePanel> m_drone;
+    MidiOut *m_notes = nullptr;
     bool m_undoLock = false;
     QString m_editedKey;
     QString m_shownText;

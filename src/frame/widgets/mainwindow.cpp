@@ -206,6 +206,8 @@ void MainWindow::buildPanels()
     m_player->setDronePanel(drone);
     connect(m_player, &PlayerPanel::stopped, drone, &DronePanel::stopDrone);
     connect(m_player, &PlayerPanel::mainPitchChanged, drone, [drone](int) { drone->followTransposition(); });
+    m_edit->attachPlayback(m_player, drone, &m_player->midiOut());
+    drone->setKeyboardCheck([this] { return m_edit->isEditingTune(); });
     ExplorerPanel *explorer = m_explorer;
     m_filter->filter().setChoiceList({ [explorer] { explorer->clearChoiceList(); },
         [explorer](const QString &key, const QString &caption) { return explorer->AddTunetolst(key, caption); },
@@ -542,7 +544,17 @@ bool MainWindow::Form_Unload()
     ui.processEvents();
     IniFile &ini = m_app.ini();
     const bool reset = ini.get(keys::NbFiles) == u"x";
-    // A tune being edited and a cut tune not pasted are asked about here once editing and cutting exist.
+    const QString quitConfirm = m_app.text(kMsg, QStringLiteral("<quitConfirm>"));
+    if (m_edit->isEditing()) {
+        if (ui.question(m_app.text(kMsg, QStringLiteral("<editCur>")) + CRLF + CRLF + quitConfirm)
+            != UserDialogs::Answer::Yes)
+            return false;
+        m_edit->abandonRecovery();
+    }
+    if (cutTuneNotPasted(m_app)
+        && ui.question(m_app.text(kMsg, QStringLiteral("<clipNotSaved>")) + CRLF + CRLF + quitConfirm)
+            != UserDialogs::Answer::Yes)
+        return false;
 
     for (const QString &kFile : changedFileKeys(m_app)) {
         const Node *file = m_app.tree().find(kFile);

@@ -39,22 +39,6 @@ QString reopen(MainWindow &window, const QString &path)
     return QFileInfo(path).isFile() ? window.openPath(path, false) : QString();
 }
 
-void offerRecovery(AppContext &app, UserDialogs &ui)
-{
-    const QString recover = app.paths().recoverFile();
-    if (!QFileInfo::exists(recover))
-        return;
-    // The editor gets a copy: the original goes once the box is dismissed, whatever the editor did.
-    const QString copy = app.paths().cacheFolder() + QStringLiteral("/recover_tune.txt");
-    QFile::remove(copy);
-    if (QFile::copy(recover, copy))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(copy));
-    const QString msg = QStringLiteral("Msg");
-    ui.message(app.text(msg, QStringLiteral("<recovTune1>")) + CRLF + app.text(msg, QStringLiteral("<recovTune2>")),
-               UserDialogs::Icon::Information, app.text(msg, QStringLiteral("<recov>")));
-    QFile::remove(recover);
-}
-
 } // namespace
 
 int Main(const QStringList &arguments)
@@ -96,7 +80,7 @@ int Main(const QStringList &arguments)
         return 0;
     }
 
-    offerRecovery(app, dialogs);
+    offerRecovery(app, [](const QString &path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
 
     QApplication::processEvents();
     auto *splash = new SplashWindow;

@@ -116,6 +116,12 @@ void TreeView::selectKey(const QString &key, bool reveal)
     m_clicked = key;
 }
 
+void TreeView::expandKey(const QString &key)
+{
+    if (const Node *node = key.isEmpty() ? nullptr : m_tree.find(key); node && !m_tree.isUnderConstruction(node))
+        expand(m_model->indexOf(node));
+}
+
 QString TreeView::keyAt(const QPoint &viewportPos) const
 {
     const QModelIndex index = indexAt(viewportPos);

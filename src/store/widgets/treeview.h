@@ -21,6 +21,8 @@ public:
     QString currentKey() const;
     // Makes the node current and selected; with `reveal` its ancestors open and it scrolls into view.
     void selectKey(const QString &key, bool reveal);
+    // Opens the node so that its children show.
+    void expandKey(const QString &key);
 
 signals:
     void nodeClicked(const QString &key);
