@@ -1,6 +1,5 @@
 // The edit session without widgets: the undo ring, the caret's line as a tune, the blank-line
-// rule, validation and cancelling against a real tree, the recovery file, and transposition
-// through the real abc2abc.
+// rule, validation against a real tree, and transposition through the real abc2abc.
 #include "testenv.h"
 #include "testmain.h"
 
@@ -17,7 +16,6 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QTest>
-#include <QTimer>
 
 using namespace fenwork;
 using fenwork::test::TestEnv;
@@ -141,80 +139,6 @@ private slots:
                     .GetStringTune(kFile + QStringLiteral("_tune2"), false)
                     .contains(QStringLiteral("T:Second")));
         QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbcM);
-    }
-
-    void validateHeaderAddsAbcLine()
-    {
-        TestEnv env;
-        AppContext &app = env.app();
-        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
-        app.currentFileKey = kFile;
-        app.currentTuneKey.clear();
-        EditSession session(app);
-        QVERIFY(session.start(app.store().GetStringHdrFile(kFile, false)));
-        QCOMPARE(session.target(), EditSession::Target::Header);
-        QVERIFY(session.validate(QStringLiteral("%%scale 0.8\n")));
-        const QString header = app.store().GetStringHdrFile(kFile, false);
-        QVERIFY2(header.startsWith(QStringLiteral("%abc")), qPrintable(header));
-        QVERIFY(header.contains(QStringLiteral("%%scale 0.8")));
-    }
-
-    void cancel_data()
-    {
-        QTest::addColumn<bool>("changed");
-        QTest::addColumn<int>("answer"); // -1: no question expected
-        QTest::addColumn<bool>("ends");
-        QTest::newRow("unchanged: no question") << false << -1 << true;
-        QTest::newRow("changed, Yes") << true << int(UserDialogs::Answer::Yes) << true;
-        QTest::newRow("changed, No") << true << int(UserDialogs::Answer::No) << false;
-        QTest::newRow("changed, Cancel") << true << int(UserDialogs::Answer::Cancel) << false;
-    }
-    void cancel()
-    {
-        QFETCH(bool, changed);
-        QFETCH(int, answer);
-        QFETCH(bool, ends);
-        TestEnv env;
-        AppContext &app = env.app();
-        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
-        app.currentFileKey = kFile;
-        app.currentTuneKey = kFile + QStringLiteral("_tune2");
-        const QString original = app.store().GetStringTune(app.currentTuneKey, false);
-        EditSession session(app);
-        QVERIFY(session.start(original));
-        if (changed)
-            session.ring().SetUndo(original + QStringLiteral("x"));
-        if (answer >= 0)
-            env.ui().pushAnswer(UserDialogs::Answer(answer));
-        QString reloaded;
-        QCOMPARE(session.cancel(&reloaded), ends);
-        QCOMPARE(env.ui().texts(ScriptedDialogs::Kind::Question).size(), answer >= 0 ? 1 : 0);
-        QVERIFY(!env.ui().hadUnexpectedPrompts());
-        QCOMPARE(session.isActive(), !ends);
-        if (ends)
-            QCOMPARE(reloaded, original);
-        QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbc);
-    }
-
-    void recoveryFile()
-    {
-        TestEnv env;
-        AppContext &app = env.app();
-        const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
-        app.currentFileKey = kFile;
-        app.currentTuneKey = kFile + QStringLiteral("_tune1");
-        EditSession session(app);
-        QString editor = QStringLiteral("X:1\nK:G\nabc|\n");
-        session.textSource = [&editor] { return editor; };
-        QVERIFY(session.start(editor));
-        QVERIFY(session.recoveryTimer()->isActive());
-        QCOMPARE(session.recoveryTimer()->interval(), 10000);
-        session.writeRecovery();
-        const QString path = app.paths().recoverFile();
-        QCOMPARE(test::readAll(path), QStringLiteral("X:1\r\nK:G\r\nabc|\r\n"));
-        QVERIFY(session.validate(editor));
-        QVERIFY(!QFile::exists(path));
-        QVERIFY(!session.recoveryTimer()->isActive());
     }
 
     void transposeStepText_data()

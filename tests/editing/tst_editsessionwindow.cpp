@@ -119,6 +119,7 @@ private slots:
         QVERIFY(!w.editor()->isReadOnly());
         QVERIFY(w.windowClosedOff());
         QVERIFY(w.shows("pic_Warning"));
+        QVERIFY(w.shows("chk_OneLine0"));
         QVERIFY(w.expanded(w.tuneKey(1)));
         QVERIFY(!w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY(w.barAction("ok")->isVisible());
@@ -142,6 +143,7 @@ private slots:
         QVERIFY(w.editor()->isReadOnly());
         QVERIFY(!w.windowClosedOff());
         QVERIFY(!w.shows("pic_Warning"));
+        QVERIFY(!w.shows("chk_OneLine0"));
         QVERIFY(w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY2(
             w.stored(1).endsWith(QStringLiteral("GABc d2B2|cBA\r\n%\r\nG4|\r\n")), qPrintable(w.stored(1)));
@@ -149,20 +151,6 @@ private slots:
         QCOMPARE(w.editor()->toPlainText(),
             QString(w.stored(1)).replace(QStringLiteral("\r\n"), QStringLiteral("\n")).chopped(1));
         QVERIFY(w.ui().messages().isEmpty());
-    }
-
-    void validateWithoutX()
-    {
-        Window w;
-        w.select(w.tuneKey(2));
-        w.key(Qt::Key_F5);
-        w.editor()->moveCursor(QTextCursor::Start);
-        w.key(Qt::Key_Delete); // the "X" goes
-        w.key(Qt::Key_F5);
-        QCOMPARE(w.ui().messages(),
-            QStringList { w.app().text(QStringLiteral("Msg"), QStringLiteral("<Xmissing>")) });
-        QVERIFY(w.edit().isEditing());
-        QVERIFY(w.stored(2).startsWith(QStringLiteral("X:2")));
     }
 
     void cancel_data()

@@ -15,6 +15,7 @@
 #include "score/widgets/scorepanel.h"
 #include "store/widgets/treeview.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
@@ -100,6 +101,12 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
     m_wrap = new QCheckBox;
     m_wrap->setObjectName(QStringLiteral("chk_wrap"));
     m_bar->addWidget(m_wrap);
+    m_oneLine = new QToolButton;
+    m_oneLine->setObjectName(QStringLiteral("chk_OneLine0"));
+    m_oneLine->setCheckable(true);
+    m_oneLine->setAutoRaise(true);
+    m_oneLine->setIcon(QIcon::fromTheme(QStringLiteral("format-justify-left")));
+    m_oneLineAction = m_bar->addWidget(m_oneLine);
     auto *spacer = new QWidget;
     spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_bar->addWidget(spacer);
@@ -118,6 +125,7 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
     connect(m_down, &QAction::triggered, this, [this] { bt_Transpose_Click(0); });
     connect(m_up, &QAction::triggered, this, [this] { bt_Transpose_Click(1); });
     connect(m_wrap, &QCheckBox::toggled, this, &EditController::setWrap);
+    connect(m_oneLine, &QToolButton::clicked, this, &EditController::refreshScore);
 
     m_popup = new QMenu(editor);
     m_popup->setObjectName(QStringLiteral("pop_ABC"));
@@ -145,6 +153,7 @@ void EditController::attach(TreeView *tree, MainMenus *menus, QToolBar *mainBar,
     m_score = score;
     if (m_score) {
         m_score->currentLineTune = [this] { return getCurLineAsTune(); };
+        m_score->oneLineTicked = [this] { return isEditing() && m_oneLine->isChecked(); };
         m_score->setPauseVisible(false);
     }
 }
@@ -154,6 +163,7 @@ void EditController::attachPlayback(PlayerPanel *player, DronePanel *drone, Midi
     m_player = player;
     m_drone = drone;
     m_notes = notes;
+    showOneLineBoxes(isEditingTune());
 }
 
 void EditController::loadLang()
@@ -174,6 +184,7 @@ void EditController::loadLang()
     m_up->setToolTip(text("TTText", "<transposUp>"));
     m_step->setToolTip(text("TTText", "<unitTranspose>"));
     m_wrap->setText(text("MainForm", "<lineWrapping>"));
+    m_oneLine->setToolTip(text("TTText", "<displOneLine>"));
 }
 
 bool EditController::isEditing() const
@@ -237,6 +248,7 @@ void EditController::abcedit()
     if (m_tree)
         m_tree->expandKey(m_editedKey);
     setNextPrevEnabled(false);
+    showOneLineBoxes(tune);
 }
 
 bool EditController::validate()
@@ -287,6 +299,7 @@ void EditController::sessionEnded(bool validated)
         m_notes->close();
     m_panel->setWarning({});
     setNextPrevEnabled(true);
+    showOneLineBoxes(false);
     const QString key = m_editedKey;
     m_editedKey.clear();
     if (validated && selectNode)
@@ -302,6 +315,8 @@ void EditController::setSessionLook(bool editing)
     m_app.commands().setEnabled(QStringLiteral("key_Esc"), editing);
     for (QAction *action : { m_ok, m_cancel, m_undo, m_down, m_up, m_stepAction })
         action->setVisible(editing);
+    if (!editing)
+        showOneLineBoxes(false);
 }
 
 void EditController::setNextPrevEnabled(bool enabled)
@@ -312,6 +327,24 @@ void EditController::setNextPrevEnabled(bool enabled)
         if (auto *button = m_player->findChild<QWidget *>(QString::fromLatin1(name)))
             button->setEnabled(enabled);
     }
+}
+
+void EditController::showOneLineBoxes(bool shown)
+{
+    m_oneLine->setChecked(false);
+    m_oneLineAction->setVisible(shown);
+    if (!m_player)
+        return;
+    if (auto *playLine = m_player->findChild<QAbstractButton *>(QStringLiteral("chk_OneLine1"))) {
+        playLine->setChecked(false);
+        playLine->setVisible(shown);
+    }
+}
+
+void EditController::refreshScore()
+{
+    if (m_score)
+        m_score->requestRefresh(m_panel->editor()->toPlainText());
 }
 
 void EditController::closeWindow(bool closed)
@@ -401,6 +434,12 @@ QString EditController::getCurLineAsTune() const
 void EditController::showCaret()
 {
     const QTextCursor cursor = m_panel->editor()->textCursor();
+    // A score of the caret's line follows the caret to another line.
+    if (cursor.blockNumber() != m_caretBlock) {
+        m_caretBlock = cursor.blockNumber();
+        if (isEditing() && m_oneLine->isChecked())
+            refreshScore();
+    }
     m_caret->setText(
         QString::number(cursor.blockNumber() + 1) + u':' + QString::number(cursor.positionInBlock() + 1));
 }

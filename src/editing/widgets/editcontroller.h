@@ -11,6 +11,7 @@ class QMenu;
 class QPoint;
 class QSpinBox;
 class QToolBar;
+class QToolButton;
 class QWidget;
 
 namespace fenwork {
@@ -81,6 +82,10 @@ private:
     void setWrap(bool wrap);
     void sessionEnded(bool validated);
     void setNextPrevEnabled(bool enabled);
+    // The two "current line only" boxes, the score's here and the player's: shown, and cleared,
+    // for a session on a tune only.
+    void showOneLineBoxes(bool shown);
+    void refreshScore();
 
     AppContext &m_app;
     AbcTextPanel *m_panel;
@@ -97,6 +102,9 @@ private:
     QAction *m_stepAction;
     QSpinBox *m_step;
     QCheckBox *m_wrap;
+    QToolButton *m_oneLine; // chk_OneLine0
+    QAction *m_oneLineAction;
+    int m_caretBlock = -1;
     QLabel *m_caret;
     QMenu *m_popup;
     QPointer<TreeView> m_tree;

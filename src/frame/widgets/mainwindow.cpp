@@ -201,6 +201,7 @@ void MainWindow::buildPanels()
     host.selectedNodeKey = [this] { return tree()->currentKey(); };
     host.selectNode = [this](const QString &key) { SimulerNodeClick(key); };
     host.choiceList = [this] { return m_explorer->choiceList(); };
+    host.currentLineTune = [this] { return m_edit->getCurLineAsTune(); };
     m_player->setHost(host);
     auto *drone = new DronePanel(m_app, m_player->midiOut());
     m_player->setDronePanel(drone);
