@@ -153,6 +153,24 @@ private slots:
         QVERIFY(w.ui().messages().isEmpty());
     }
 
+    // The window's shortcuts that would leave the tune must not act while it is edited.
+    void windowShortcutsWaitForTheSession()
+    {
+        Window w;
+        w.select(w.tuneKey(1));
+        w.key(Qt::Key_F5);
+        for (const QKeySequence &keys : { QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
+                 QKeySequence(QKeySequence::New), QKeySequence(QKeySequence::Open), QKeySequence(QKeySequence::Print) }) {
+            QTest::keySequence(w.editor(), keys);
+            QApplication::processEvents();
+        }
+        QVERIFY(w.edit().isEditing());
+        QVERIFY(w.app().tree().find(w.kFile));
+        for (const ScriptedDialogs::Shown &shown : w.ui().shown)
+            QVERIFY2(shown.kind == ScriptedDialogs::Kind::Status, qPrintable(shown.text));
+        QVERIFY(!w.ui().hadUnexpectedPrompts());
+    }
+
     void cancel_data()
     {
         QTest::addColumn<bool>("change");
