@@ -44,14 +44,11 @@ private slots:
             << QStringList { "1", "2", "2", "3" } << true << false << QList<int> { 1, 2 };
         QTest::newRow("setting off, not forced")
             << QStringList { "1", "2", "2", "3" } << false << false << none;
-        QTest::newRow("all distinct") << QStringList { "1", "2", "3" } << false << true << none;
         QTest::newRow("letters ignore case")
             << QStringList { "a1", "B", "A1", "b", "c" } << false << true << QList<int> { 0, 1, 2, 3 };
         QTest::newRow("number and comment differ")
             << QStringList { "12 % old", "12" } << false << true << none;
         QTest::newRow("12 and 2 differ") << QStringList { "12", "2", "112" } << false << true << none;
-        QTest::newRow("three of a kind")
-            << QStringList { "7", "1", "7", "7" } << false << true << QList<int> { 0, 2, 3 };
         QTest::newRow("regex characters are plain")
             << QStringList { "1.2", "1x2", "a+", "aa" } << false << true << none;
         QTest::newRow("empty numbers") << QStringList { "", "", "1" } << false << true << QList<int> { 0, 1 };

@@ -1,4 +1,4 @@
-// The melody box: its translation into a search and a highlight pattern, and what they find.
+// The melody box: what its search and its highlight pattern find.
 #include "testmain.h"
 
 #include "finding/melodyfragment.h"
@@ -31,29 +31,6 @@ class TestMelody : public QObject
     Q_OBJECT
 
 private slots:
-    void translation_data()
-    {
-        QTest::addColumn<QString>("fragment");
-        QTest::addColumn<QString>("search");
-        QTest::addColumn<QString>("highlight");
-        QTest::newRow("the worked example") << "G A [Bb] c" << "G *A *[Bb] *c *"
-                                            << "G[ /|\\d]*A[ /|\\d]*[Bb][ /|\\d]*c[ /|\\d]*";
-        QTest::newRow("blanks all go") << "  G  A " << "G *A *" << "G[ /|\\d]*A[ /|\\d]*";
-        QTest::newRow("question mark") << "G?B" << "G *.? *B *" << "G[ /|\\d]*.?[ /|\\d]*B[ /|\\d]*";
-        QTest::newRow("question mark in brackets") << "[?A]" << "[.?A] *" << "[.?A][ /|\\d]*";
-        QTest::newRow("regex characters stay") << "^F|(G)" << "^ *F *| *( *G *) *"
-                                               << "^[ /|\\d]*F[ /|\\d]*|[ /|\\d]*([ /|\\d]*G[ /|\\d]*)[ /|\\d]*";
-        QTest::newRow("blanks only") << "   " << "" << "";
-    }
-    void translation()
-    {
-        QFETCH(QString, fragment);
-        QFETCH(QString, search);
-        QFETCH(QString, highlight);
-        QCOMPARE(melodySearchText(fragment), search);
-        QCOMPARE(melodyHighlightPattern(fragment), highlight);
-    }
-
     void search_data()
     {
         QTest::addColumn<QString>("fragment");
@@ -62,26 +39,19 @@ private slots:
         QTest::addColumn<bool>("ignoreCase");
         QTest::addColumn<bool>("found");
         QTest::newRow("GAB in G A B") << "GAB" << "|G A B c|" << false << false << true;
-        QTest::newRow("GAB in GAB") << "GAB" << "|GAB c|" << false << false << true;
         QTest::newRow("GAB in GA B") << "GAB" << "|GA B c|" << false << false << true;
         QTest::newRow("GAB not in G2 A B") << "GAB" << "|G2 A B c|" << false << false << false;
         QTest::newRow("GAB not across a bar") << "GAB" << "GA|B" << false << false << false;
         QTest::newRow("G?B in GAB") << "G?B" << "GAB" << false << false << true;
-        QTest::newRow("G?B in G2B") << "G?B" << "G2B" << false << false << true;
-        QTest::newRow("G?B in GB") << "G?B" << "GB" << false << false << true;
         QTest::newRow("G?B not in G2AB") << "G?B" << "G2AB" << false << false << false;
         QTest::newRow("[GA]B in GB") << "[GA]B" << "c GB" << false << false << true;
-        QTest::newRow("[GA]B in AB") << "[GA]B" << "c AB" << false << false << true;
         QTest::newRow("[GA]B not in CB") << "[GA]B" << "c CB" << false << false << false;
         QTest::newRow("start only, line begins") << "GAB" << "GAB c|" << true << false << true;
         QTest::newRow("start only, bar first") << "GAB" << "|GAB c|" << true << false << false;
-        QTest::newRow("start only, a line of words") << "la" << "la la" << true << false << true;
         QTest::newRow("case is octave") << "gab" << "GAB" << false << false << false;
         QTest::newRow("ignore case") << "gab" << "GAB" << false << true << true;
-        QTest::newRow("any kind of line") << "Reel" << "T:Morning Reel" << false << false << true;
         QTest::newRow("typed bar is an alternative") << "A|B" << "cdeB" << false << false << true;
         QTest::newRow("typed ^ is an anchor, not a sharp") << "^G" << "A^GA" << false << false << false;
-        QTest::newRow("typed . is any character") << "G.B" << "GxB" << false << false << true;
     }
     void search()
     {

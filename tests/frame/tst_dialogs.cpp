@@ -17,19 +17,10 @@ class TestDialogs : public QObject
 {
     Q_OBJECT
 private slots:
-    void contextErrorText();
     void widgetProgressStrip();
     void widgetBusyCursorNests();
     void widgetEscapeFilter();
 };
-
-void TestDialogs::contextErrorText()
-{
-    ScriptedDialogs ui;
-    ui.contextError(QStringLiteral("FichierOuvrir"), QStringLiteral("No such file"));
-    QCOMPARE(ui.messages(), QStringList { QStringLiteral("Context: FichierOuvrir\r\n\r\nNo such file") });
-    QCOMPARE(ui.shown.first().icon, UserDialogs::Icon::Warning);
-}
 
 void TestDialogs::widgetProgressStrip()
 {

@@ -50,11 +50,9 @@ private slots:
         QTest::newRow("postscript block needs its end") << ps << "gm" << "%%beginps\r\n/a 1 def\r\n" << QStringList {};
         QTest::newRow("postscript end must start a line") << ps << "gm" << "%%beginps\r\nx %%endps\r\n%%endps" << QStringList { "0:29" };
 
-        QTest::newRow("bars with blanks") << "\\| *?\\|" << "gm" << "| |a||b|  |c" << QStringList { "0:3", "4:2", "7:4" };
 
         const QString repeatField = QStringLiteral("^\\|:\\w:.+?$");
         QTest::newRow("repeat before field stops before CR") << repeatField << "m" << "X:1\r\n|:K:G\r\nabc|\r\n|:T:x\r\n" << QStringList { "5:5" };
-        QTest::newRow("repeat before field, LF only") << repeatField << "m" << "|:K:G\nabc" << QStringList { "0:5" };
         QTest::newRow("repeat before field at the end") << repeatField << "m" << "x\r\n|:K:G" << QStringList { "3:5" };
         QTest::newRow("repeat before inline field is none") << repeatField << "m" << "|:[K:G]\r\n" << QStringList {};
 
@@ -64,35 +62,26 @@ private slots:
         QString escaped = bracketed;
         escaped.replace(u'[', QStringLiteral("\\[")).replace(u']', QStringLiteral("\\]"));
         QTest::newRow("duplicate numbers") << escaped << "gim" << "[12]_file1_tune1@[1]_file1_tune2@[12]_file1_tune3@" << QStringList { "0:4", "33:4" };
-        QTest::newRow("duplicate letters any case") << "\\[a\\]" << "gim" << "[A]k1@[a]k2@" << QStringList { "0:3", "6:3" };
 
         QTest::newRow("X number prefix counts") << "^X: *?1" << "m" << "T:x\r\nX: 12\r\n" << QStringList { "5:4" };
         QTest::newRow("filter line") << "^.*G *A *[Bb] *c *.*$" << "gm" << "T:GABc\r\n|G A b c|\r\n" << QStringList { "0:7", "8:10" };
         QTest::newRow("comment cut keeps CR") << "[^%]%[^%].*$" << "gm" << "A B % note\r\nC" << QStringList { "3:8" };
         QTest::newRow("remark line takes its CR") << "\\[r:.*?\\]|^r:.*$" << "gm" << "x\r\nr:rem\r\ny[r:a]" << QStringList { "3:6", "11:5" };
-        QTest::newRow("chords and graces") << "\".*?\"|{.*?}|~" << "gm" << "\"Am\"A{g}B~c" << QStringList { "0:4", "5:3", "9:1" };
         QTest::newRow("colouring a field line and bars") << kColouring << "gm" << "K:G % key\r\n|:\"Am\"A2 [K:D] B:|\\\r\n%%MIDI x\r\n" << QStringList { "0:10", "11:2", "13:4", "20:5", "27:2", "29:1", "32:9" };
 
         QTest::newRow("dot takes CR") << "a.b" << "g" << "a\rb" << QStringList { "0:3" };
         QTest::newRow("dot refuses LF") << "a.b" << "g" << "a\nb" << QStringList {};
         QTest::newRow("dot takes NUL") << "a.b" << "g" << (QStringLiteral("a") + QChar(0) + u'b') << QStringList { "0:3" };
-        QTest::newRow("dot is literal in a class") << "[.]" << "g" << "a.b" << QStringList { "1:1" };
-        QTest::newRow("escaped dot") << "\\." << "g" << "a.b" << QStringList { "1:1" };
         QTest::newRow("line starts after CR LF, CR, LF") << "^" << "gm" << "a\r\nb\rc\nd" << QStringList { "0:0", "3:0", "5:0", "7:0" };
         QTest::newRow("line ends before CR and LF") << "$" << "gm" << "a\r\nb" << QStringList { "1:0", "2:0", "4:0" };
         QTest::newRow("greedy dot to line end takes CR") << "^b.*$" << "gm" << "a\r\nb c\r\nd" << QStringList { "3:4" };
         QTest::newRow("lazy dot to line end leaves CR") << "^b.*?$" << "gm" << "a\r\nb c\r\nd" << QStringList { "3:3" };
         QTest::newRow("caret is subject start only") << "^b" << "g" << "a\nb" << QStringList {};
         QTest::newRow("dollar is subject end only") << "a$" << "g" << "a\n" << QStringList {};
-        QTest::newRow("dollar at the end") << "a$" << "g" << "ba" << QStringList { "1:1" };
-        QTest::newRow("caret in a class is negation") << "[^a]" << "g" << "ab" << QStringList { "1:1" };
-        QTest::newRow("escaped caret and dollar") << "\\^\\$" << "g" << "x^$" << QStringList { "1:2" };
         QTest::newRow("bracket first in a class") << "[]a]" << "g" << "]a" << QStringList { "0:1", "1:1" };
         QTest::newRow("posix class") << "[[:digit:].]+" << "g" << "ab1.2c" << QStringList { "2:3" };
         QTest::newRow("unicode escape") << "\\u00e9|[\\u00e0-\\u00e8]" << "g" << "aéb à" << QStringList { "1:1", "4:1" };
-        QTest::newRow("vertical tab escape") << "\\v" << "g" << "a\n\x0b" "b" << QStringList { "2:1" };
         QTest::newRow("global off gives the first") << "b" << "" << "abcb" << QStringList { "1:1" };
-        QTest::newRow("case counts by default") << "abc" << "g" << "ABC" << QStringList {};
         QTest::newRow("ignore case") << "abc|é" << "gi" << "ABC É" << QStringList { "0:3", "4:1" };
         QTest::newRow("word is ASCII") << "\\w+" << "g" << "aé1" << QStringList { "0:1", "2:1" };
         QTest::newRow("empty matches step on") << "x*" << "g" << "axb" << QStringList { "0:0", "1:1", "2:0", "3:0" };
@@ -145,10 +134,7 @@ private slots:
         QTest::addColumn<QString>("expected");
 
         QTest::newRow("bars close up") << "\\| *?\\|" << "gm" << "| |a|  |" << "||" << "||a||";
-        QTest::newRow("first only") << "a" << "" << "aaa" << "b" << "baa";
         QTest::newRow("groups") << "(\\w+) (\\w+)" << "g" << "ab cd" << "$2 $1" << "cd ab";
-        QTest::newRow("whole match") << "b" << "g" << "abc" << "[$&]" << "a[b]c";
-        QTest::newRow("dollar") << "b" << "g" << "abc" << "$$" << "a$c";
         QTest::newRow("around") << "b" << "g" << "abc" << "$'$`" << "acac";
         QTest::newRow("two digits need the group") << "(a)" << "g" << "a" << "$10" << "a0";
         QTest::newRow("two digits") << "(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)" << "g" << "abcdefghij" << "$10$1" << "ja";
@@ -156,8 +142,6 @@ private slots:
         QTest::newRow("group that did not take part") << "(a)|(b)" << "g" << "b" << "<$1>" << "<>";
         QTest::newRow("empty matches end") << "x*" << "g" << "abc" << "-" << "-a-b-c-";
         QTest::newRow("line starts") << "^" << "gm" << "a\r\nb" << ">" << ">a\r\n>b";
-        QTest::newRow("no match") << "z" << "g" << "abc" << "y" << "abc";
-        QTest::newRow("delete quoted") << "\".*?\"" << "g" << "A \"x\" B \"y\"" << "" << "A  B ";
         // clang-format on
     }
     void replace()
@@ -178,7 +162,6 @@ private slots:
         QTest::addColumn<QString>("pattern");
         QTest::newRow("open group") << "G(A";
         QTest::newRow("open class") << "[GA";
-        QTest::newRow("trailing backslash") << "a\\";
         QTest::newRow("nothing to repeat") << "*a";
         // clang-format on
     }

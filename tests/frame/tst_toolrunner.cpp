@@ -23,12 +23,6 @@ bool haveTool(const char *name)
     return !QStandardPaths::findExecutable(QString::fromLatin1(name)).isEmpty();
 }
 
-void makeExecutable(const QString &path)
-{
-    QFile file(path);
-    file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
-}
-
 } // namespace
 
 class TestToolRunner : public QObject
@@ -36,41 +30,6 @@ class TestToolRunner : public QObject
     Q_OBJECT
 
 private slots:
-    void commandShapes_data()
-    {
-        QTest::addColumn<QString>("options"); // for abcm2ps; null: the default
-        QTest::addColumn<QString>("extras");
-        QTest::addColumn<QStringList>("expected"); // abcm2ps, abc2midi, abc2abc, midi2abc; %T the tool
-        const QStringList others { R"("%T" "in.abc" -o "out")", R"("%T" "in.abc" -t -3 > "out")",
-            R"("%T" -f "in.abc" -o "out")" };
-        QTest::newRow("defaults") << QString() << QString()
-                                  << QStringList { R"("%T" "in.abc" -s0.65 -O "out")" } + others;
-        QTest::newRow("format and tablature before the options")
-            << QString() << R"( -F "/my fmt/w.fmt" -T2 )"
-            << QStringList { R"("%T" "in.abc" -F "/my fmt/w.fmt" -T2  -s0.65 -O "out")" } + others;
-        QTest::newRow("options trimmed, blanks put back") << QStringLiteral(
-            "   -O   ") << QString() << QStringList { R"("%T" "in.abc" -O "out")" } + others;
-    }
-
-    void commandShapes()
-    {
-        QFETCH(QString, options);
-        QFETCH(QString, extras);
-        QFETCH(QStringList, expected);
-        TestEnv env;
-        AppContext &app = env.app();
-        if (!options.isNull())
-            app.ini().set(keys::Cmd2ps, options);
-        app.scoreExtras = extras;
-        const QString in = QStringLiteral("in.abc"), out = QStringLiteral("out");
-        const QStringList commands { commandAbc2ps(app, in, out), commandAbc2midi(app, in, out),
-            commandAbc2abc(app, in, -3, out), commandMidi2abc(app, in, out) };
-        const Tool tools[] = { Tool::Abc2ps, Tool::Abc2midi, Tool::Abc2abc, Tool::Midi2abc };
-        for (int i = 0; i < 4; ++i)
-            QCOMPARE(commands.at(i),
-                QString(expected.at(i)).replace(QStringLiteral("%T"), toolPath(app, tools[i])));
-    }
-
     void parse_data()
     {
         QTest::addColumn<QString>("command");
@@ -163,31 +122,6 @@ private slots:
         QVERIFY(text.contains(QStringLiteral("K:G")));
     }
 
-    void console()
-    {
-        TestEnv env;
-        const QString log = env.path(QStringLiteral("console.log"));
-        const QString terminal = env.writeFile(QStringLiteral("term.sh"),
-            "#!/bin/sh\npwd > \"" + log.toUtf8() + ".tmp\"\nfor a in \"$@\"; do echo \"$a\" >> \""
-                + log.toUtf8() + ".tmp\"; done\nmv \"" + log.toUtf8() + ".tmp\" \"" + log.toUtf8() + "\"\n");
-        makeExecutable(terminal);
-        const QByteArray old = qgetenv("TERMINAL");
-        qputenv("TERMINAL", terminal.toUtf8());
-        QString error;
-        const bool started = env.app().tools().openConsole(1, &error);
-        qputenv("TERMINAL", old);
-        if (old.isEmpty())
-            qunsetenv("TERMINAL");
-        QVERIFY2(started, qPrintable(error));
-        QTRY_VERIFY(QFile::exists(log));
-        const QStringList lines = test::readAll(log).split(u'\n', Qt::SkipEmptyParts);
-        QVERIFY(lines.size() >= 2);
-        QString folder;
-        consoleCommand(env.app(), 1, &folder);
-        QCOMPARE(QDir(lines.first()).canonicalPath(), QDir(folder).canonicalPath());
-        QCOMPARE(lines.at(1), QStringLiteral("-e"));
-        QVERIFY(lines.last().contains(toolPath(env.app(), Tool::Abc2ps)));
-    }
 };
 
 FENWORK_TEST(TestToolRunner)

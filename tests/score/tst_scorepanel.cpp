@@ -64,17 +64,6 @@ class TestScorePanel : public QObject
     Q_OBJECT
 
 private slots:
-    void controlNames()
-    {
-        PanelWorld world;
-        QCOMPARE(world.panel.objectName(), QStringLiteral("pic_Mus"));
-        for (const char *name : { "img_Mus", "scr_musH", "scr_musV", "lab_MusTools", "sl_Zoom", "txt_page",
-                 "upd_page", "chk_pauseScore", "bt_seeScore", "chk_tabs", "lst_Tabs", "img_fullScrn" })
-            QVERIFY2(world.panel.findChild<QWidget *>(QString::fromLatin1(name)), name);
-        QCOMPARE(world.child<QSlider>("sl_Zoom")->minimum(), 50);
-        QCOMPARE(world.child<QSlider>("sl_Zoom")->maximum(), 300);
-    }
-
     void tuneShowsPage()
     {
         SKIP_WITHOUT_SCORE_TOOLS();
@@ -132,131 +121,12 @@ private slots:
         QCOMPARE(world.child<QLineEdit>("txt_page")->text(), QStringLiteral("1"));
     }
 
-    void pauseHoldsRefreshes()
-    {
-        PanelWorld world;
-        world.panel.setPauseVisible(true);
-        auto *pause = world.child<QCheckBox>("chk_pauseScore");
-        QVERIFY(!pause->isHidden());
-        pause->setChecked(true);
-        world.panel.requestRefresh(world.tuneText());
-        QCOMPARE(world.panel.refreshCount(), 0);
-        // The end of the edit session hides and clears the box.
-        world.panel.setPauseVisible(false);
-        QVERIFY(pause->isHidden());
-        QVERIFY(!pause->isChecked());
-    }
-
-    void ghostscriptMissingGoesManual()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("abcm2ps")).isEmpty())
-            QSKIP("abcm2ps is not installed");
-        PanelWorld world;
-        const test::EnvGuard missing("FENNELWORKS_GSLIB", "/nonexistent/libgs-missing.so.10");
-        resetGhostscriptLibrary();
-        world.panel.setPauseVisible(true);
-        world.panel.showTune(world.tuneText());
-        QVERIFY(!world.child<QToolButton>("bt_seeScore")->isHidden());
-        QVERIFY(world.child<QCheckBox>("chk_pauseScore")->isHidden());
-        QVERIFY(world.panel.isManualOnly());
-        QCOMPARE(world.env.ui().messages().size(), 1);
-        // The button tries again.
-        world.child<QToolButton>("bt_seeScore")->click();
-        QCOMPARE(world.env.ui().messages().size(), 2);
-        resetGhostscriptLibrary();
-    }
-
-    void arrowKeysAndWheel_data()
-    {
-        QTest::addColumn<int>("key"); // 0: the wheel, downwards
-        QTest::addColumn<int>("presses");
-        QTest::addColumn<bool>("vertical");
-        QTest::addColumn<QString>("expected"); // a number, "max" or "min"
-        QTest::newRow("down once") << int(Qt::Key_Down) << 1 << true << QStringLiteral("150");
-        QTest::newRow("down to the end") << int(Qt::Key_Down) << 200 << true << QStringLiteral("max");
-        QTest::newRow("left at the start") << int(Qt::Key_Left) << 1 << false << QStringLiteral("min");
-        QTest::newRow("wheel") << 0 << 1 << true << QStringLiteral("max");
-    }
-
-    void arrowKeysAndWheel()
-    {
-        QFETCH(int, key);
-        QFETCH(int, presses);
-        QFETCH(bool, vertical);
-        QFETCH(QString, expected);
-        PanelWorld world;
-        // No tune: the blank page, larger than the panel, still scrolls.
-        world.env.app().currentTuneKey.clear();
-        world.panel.resize(300, 500);
-        world.panel.show();
-        world.panel.showTune(QString());
-        QScrollBar *bar = vertical ? world.barV() : world.barH();
-        QVERIFY(bar->maximum() > 400);
-        QVERIFY(bar->maximum() < 1000);
-        for (int i = 0; i < presses; ++i) {
-            if (key == 0) {
-                QWheelEvent wheel(QPointF(50, 50), QPointF(50, 50), QPoint(), QPoint(0, -120), Qt::NoButton,
-                    Qt::NoModifier, Qt::NoScrollPhase, false);
-                QApplication::sendEvent(
-                    world.child<QWidget>("img_Mus")->parentWidget()->parentWidget(), &wheel);
-            } else {
-                QTest::keyClick(&world.panel, Qt::Key(key));
-            }
-        }
-        const int want = expected == u"max" ? bar->maximum()
-            : expected == u"min"            ? bar->minimum()
-                                            : expected.toInt();
-        QCOMPARE(bar->value(), want);
-    }
-
-    void fullPanel_data()
-    {
-        QTest::addColumn<bool>("saveZoom");
-        QTest::addColumn<int>("fullZoom");
-        QTest::newRow("a zoom for each size") << true << 130;
-        QTest::newRow("one zoom") << false << 100;
-    }
-
-    void fullPanel()
-    {
-        QFETCH(bool, saveZoom);
-        QFETCH(int, fullZoom);
-        PanelWorld world;
-        world.env.app().currentTuneKey.clear(); // blank pages: no tools needed
-        world.env.app().ini().setBool(keys::SaveZoom, saveZoom);
-        QMainWindow window;
-        auto *splitter = new QSplitter(Qt::Vertical);
-        splitter->addWidget(new QWidget);
-        auto *panel = new ScorePanel(world.env.app());
-        splitter->addWidget(panel);
-        window.setCentralWidget(splitter);
-        window.resize(800, 600);
-        window.show();
-        panel->setZoom(100);
-
-        panel->findChild<QToolButton *>(QStringLiteral("img_fullScrn"))->click();
-        QVERIFY(panel->isFullPanel());
-        QCOMPARE(panel->parentWidget(), &window);
-        QCOMPARE(panel->geometry(), splitter->geometry());
-        QCOMPARE(panel->zoom(), fullZoom);
-        QCOMPARE(world.env.app().ini().get(keys::Zoom), QStringLiteral("100"));
-
-        panel->setZoom(fullZoom + 20);
-        panel->findChild<QToolButton *>(QStringLiteral("img_fullScrn"))->click();
-        QVERIFY(!panel->isFullPanel());
-        QCOMPARE(panel->parentWidget(), splitter);
-        QCOMPARE(splitter->indexOf(panel), 1);
-        QCOMPARE(world.env.app().ini().get(keys::ZoomMax), QString::number(fullZoom + 20));
-        QCOMPARE(panel->zoom(), saveZoom ? 100 : fullZoom + 20);
-    }
-
     void tablatureChoice_data()
     {
         QTest::addColumn<bool>("ticked");
         QTest::addColumn<int>("row");
         QTest::addColumn<QString>("extras"); // %F: the format file
         QTest::newRow("off") << false << 2 << QString();
-        QTest::newRow("format only") << true << 0 << QStringLiteral(R"( -F "%F" )");
         QTest::newRow("second tablature") << true << 2 << QStringLiteral(R"( -F "%F" -T2 )");
     }
 
@@ -272,8 +142,6 @@ private slots:
         world.panel.loadSettings();
         auto *list = world.child<QComboBox>("lst_Tabs");
         QVERIFY(list->count() > 2);
-        QCOMPARE(
-            list->itemText(0), world.env.app().text(QStringLiteral("MainForm"), QStringLiteral("<noTabs>")));
         list->setCurrentIndex(row);
         world.child<QCheckBox>("chk_tabs")->setChecked(ticked);
         QCOMPARE(list->isEnabled(), ticked);

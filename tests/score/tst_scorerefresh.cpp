@@ -49,7 +49,6 @@ private slots:
         QTest::newRow("header and current line") << true << true << QStringLiteral("@\r\nLINE");
         // Without the header the one-line box has no effect.
         QTest::newRow("no header, one line") << false << true << QStringLiteral("TUNE");
-        QTest::newRow("no header") << false << false << QStringLiteral("TUNE");
     }
 
     void scoreText()
@@ -110,7 +109,6 @@ private slots:
         QTest::addColumn<int>("shownPage");
         QTest::newRow("page 1") << 1 << 110 << 1;
         QTest::newRow("page 0 is page 1") << 0 << 110 << 1;
-        QTest::newRow("low resolution") << 1 << 50 << 1;
     }
 
     void tuneGivesPage()

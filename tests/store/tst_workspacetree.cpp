@@ -25,13 +25,9 @@ private slots:
         QTest::addColumn<QString>("kTune");
         QTest::addColumn<int>("kind");
         QTest::newRow("body line") << "_file3_tune5_bdyTune_lg2" << "_file3" << "_file3_tune5" << int(KeyKind::TuneBody);
-        QTest::newRow("header line") << "_file3_tune5_hdrTune_lg1" << "_file3" << "_file3_tune5" << int(KeyKind::TuneHeader);
-        QTest::newRow("tune") << "_file12_tune40" << "_file12" << "_file12_tune40" << int(KeyKind::Tune);
         QTest::newRow("included line") << "_file1_tune1_hdrTune_lg2_inclg3" << "_file1" << "_file1_tune1" << int(KeyKind::TuneHeader);
         QTest::newRow("file header") << "_file2_hdrFile_lgalias" << "_file2" << "" << int(KeyKind::FileHeader);
-        QTest::newRow("file body") << "_file2_bdyFile" << "_file2" << "" << int(KeyKind::FileBody);
         QTest::newRow("trash tune") << "_file0_tune3_bdyTune_lg1" << "_file0" << "" << int(KeyKind::TrashTune);
-        QTest::newRow("trash header") << "_file0_hdrFile" << "_file0" << "" << int(KeyKind::Trash);
         QTest::newRow("file 10 is no trash") << "_file10_tune1" << "_file10" << "_file10_tune1" << int(KeyKind::Tune);
         QTest::newRow("root") << "abc" << "abc" << "" << int(KeyKind::Root);
     }
@@ -52,20 +48,10 @@ private slots:
         QTest::addColumn<QString>("picture");
         QTest::addColumn<QString>("trimmed");
         QTest::newRow("include any case") << "  %%ABC-Include hdr.abc " << "include" << "%%ABC-Include hdr.abc";
-        QTest::newRow("directive") << "%%MIDI program 1" << "chpetend" << "%%MIDI program 1";
-        QTest::newRow("comment") << "% note" << "rem" << "% note";
-        QTest::newRow("r field") << "r:remark" << "rem" << "r:remark";
         QTest::newRow("R field") << "R:reel" << "propr" << "R:reel";
-        QTest::newRow("part alone") << "P:" << "part" << "P:";
-        QTest::newRow("part letter") << "P:A" << "part" << "P:A";
-        QTest::newRow("part blank letter") << "P: A " << "part" << "P: A";
         QTest::newRow("part sequence") << "P:AB" << "propr" << "P:AB";
-        QTest::newRow("voice") << "V:1 clef=bass" << "voix" << "V:1 clef=bass";
-        QTest::newRow("lower field") << "w:la la" << "propr" << "w:la la";
         QTest::newRow("digit colon") << "1:2" << "mus" << "1:2";
-        QTest::newRow("music") << "|:abc def:|" << "mus" << "|:abc def:|";
         QTest::newRow("tab stays") << "\tK:G" << "mus" << "\tK:G";
-        QTest::newRow("empty") << "" << "mus" << "";
     }
     void linePictures()
     {
@@ -144,7 +130,6 @@ private slots:
         QTest::addColumn<QString>("suffix");
         QTest::addColumn<bool>("trashBold");
         QTest::newRow("none") << 0 << "(<empty>)" << false;
-        QTest::newRow("one") << 1 << "(1 <tune>)" << true;
         QTest::newRow("two") << 2 << "(2 <tunes>)" << true;
     }
     void captions()
