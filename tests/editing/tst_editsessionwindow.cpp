@@ -12,6 +12,7 @@
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainwindow.h"
 #include "frame/session.h"
+#include "store/node.h"
 #include "store/tuneops.h"
 #include "store/tunestore.h"
 #include "store/widgets/treemodel.h"
@@ -169,6 +170,34 @@ private slots:
         for (const ScriptedDialogs::Shown &shown : w.ui().shown)
             QVERIFY2(shown.kind == ScriptedDialogs::Kind::Status, qPrintable(shown.text));
         QVERIFY(!w.ui().hadUnexpectedPrompts());
+    }
+
+    // The validate button's drop-down: the file on disk gets the text, and "validsave" goes on
+    // editing the saved tune.
+    void validateAndSave_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<bool>("editingAfter");
+        QTest::newRow("validsave") << "validsave" << true;
+        QTest::newRow("validsavequit") << "validsavequit" << false;
+    }
+    void validateAndSave()
+    {
+        QFETCH(QString, action);
+        QFETCH(bool, editingAfter);
+        Window w;
+        w.select(w.tuneKey(2));
+        w.key(Qt::Key_F5);
+        w.moveToEnd();
+        QTest::keyClicks(w.editor(), QStringLiteral("b2"));
+        w.barAction(action.toLatin1().constData())->trigger();
+        QApplication::processEvents();
+        QCOMPARE(w.edit().isEditing(), editingAfter);
+        QCOMPARE(w.editor()->isReadOnly(), !editingAfter);
+        const QString saved = test::readAll(w.env.path(QStringLiteral("reels.abc")));
+        QVERIFY2(saved.contains(QStringLiteral("defg a2|b2")), qPrintable(saved));
+        QVERIFY(saved.contains(QStringLiteral("T:First")));
+        QCOMPARE(w.app().tree().find(w.kFile)->Image, Pic::FileAbc);
     }
 
     void cancel_data()
