@@ -3,6 +3,7 @@
 #include "testenv.h"
 #include "testmain.h"
 
+#include "editing/barcounter.h"
 #include "editing/editsession.h"
 #include "editing/transpose.h"
 #include "frame/inifile.h"
@@ -139,6 +140,33 @@ private slots:
                     .GetStringTune(kFile + QStringLiteral("_tune2"), false)
                     .contains(QStringLiteral("T:Second")));
         QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbcM);
+    }
+
+    void barCount_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("bars");
+        QTest::newRow("nothing") << "" << 0;
+        QTest::newRow("fields and comments only") << "X:1\r\nT:Reel\r\n% note\r\nK:G" << 0;
+        QTest::newRow("two closed bars") << "K:G\r\nabc|def|" << 2;
+        QTest::newRow("an open last bar counts") << "abc|def|ga" << 3;
+        QTest::newRow("|: starts music, not a field") << "|:abc|def:|" << 2;
+        QTest::newRow("| | is one bar line") << "abc| |def|" << 2;
+        QTest::newRow("double and triple bars") << "abc||def|||gab|" << 3;
+        QTest::newRow("lines are joined") << "abc|def|\r\nP:B\r\n|:gab|cde:|" << 4;
+    }
+    void barCount()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, bars);
+        QCOMPARE(countBars(text), bars);
+    }
+
+    void barMarkersNumbered()
+    {
+        const QString text = QStringLiteral("X:1\r\nK:G\r\n%%|\r\nabc|def|\r\n%%|99 old\r\n|:gab|cde:|\r\n%%|");
+        QCOMPARE(numberBarMarkers(text),
+            QStringLiteral("X:1\r\nK:G\r\n%%|1\r\nabc|def|\r\n%%|3\r\n|:gab|cde:|\r\n%%|5"));
     }
 
     void transposeStepText_data()

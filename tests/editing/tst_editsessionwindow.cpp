@@ -200,6 +200,35 @@ private slots:
         QCOMPARE(w.app().tree().find(w.kFile)->Image, Pic::FileAbc);
     }
 
+    // Keys that help typing: a bracket comes with its closing one (unless switched off), and
+    // Alt+M puts a numbered bar marker at the caret.
+    void typingAids_data()
+    {
+        QTest::addColumn<QString>("closeBrackets");
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<QString>("endsWith");
+        QTest::newRow("bracket closed") << "1" << "[K:D" << "d2B2|[K:D]";
+        QTest::newRow("brace closed") << "1" << "{g" << "d2B2|{g}";
+        QTest::newRow("switched off") << "0" << "[K:D" << "d2B2|[K:D";
+        QTest::newRow("bar marker") << "1" << "alt+M" << "d2B2|%%|2";
+    }
+    void typingAids()
+    {
+        QFETCH(QString, closeBrackets);
+        QFETCH(QString, keys);
+        QFETCH(QString, endsWith);
+        Window w;
+        w.app().ini().set(keys::CloseBrackets, closeBrackets);
+        w.select(w.tuneKey(1));
+        w.key(Qt::Key_F5);
+        w.moveToEnd();
+        if (keys == u"alt+M")
+            w.key(Qt::Key_M, Qt::AltModifier);
+        else
+            QTest::keyClicks(w.editor(), keys);
+        QVERIFY2(w.editor()->toPlainText().endsWith(endsWith), qPrintable(w.editor()->toPlainText()));
+    }
+
     void cancel_data()
     {
         QTest::addColumn<bool>("change");

@@ -1,11 +1,14 @@
 #include "editing/widgets/editcontroller.h"
 
+#include "editing/barcounter.h"
 #include "editing/editsession.h"
 #include "editing/transpose.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
 #include "frame/paths.h"
 #include "frame/commandstate.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
 #include "frame/userdialogs.h"
 #include "frame/widgets/mainmenus.h"
 #include "playback/midierror.h"
@@ -408,11 +411,34 @@ void EditController::bt_Transpose_Click(int index)
     const QString moved = transposeText(m_app, toStoreText(editor->toPlainText()), halfTones);
     if (moved.isEmpty())
         return;
-    // Through a cursor, not setPlainText: the scroll position stays and the ring records it.
+    replaceAllText(editorText(moved));
+}
+
+void EditController::replaceAllText(const QString &text)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    const int caret = editor->textCursor().position();
+    const int scroll = editor->verticalScrollBar()->value();
+    // Through a cursor, not setPlainText: the ring records it as one change.
     QTextCursor cursor(editor->document());
     cursor.select(QTextCursor::Document);
-    cursor.insertText(editorText(moved));
+    cursor.insertText(text);
+    cursor.setPosition(qMin(caret, int(text.size())));
+    editor->setTextCursor(cursor);
+    editor->verticalScrollBar()->setValue(scroll);
     m_panel->ColorerABC();
+}
+
+void EditController::numberBars(bool insertMarker)
+{
+    if (!isEditing())
+        return;
+    QPlainTextEdit *editor = m_panel->editor();
+    if (insertMarker)
+        editor->textCursor().insertText(QStringLiteral("%%|"));
+    const QString numbered = editorText(numberBarMarkers(toStoreText(editor->toPlainText())));
+    if (numbered != editor->toPlainText())
+        replaceAllText(numbered);
 }
 
 void EditController::paste()
@@ -509,6 +535,19 @@ bool EditController::eventFilter(QObject *watched, QEvent *event)
     }
     if (key->matches(QKeySequence::Undo)) {
         bt_undo_Click();
+        return true;
+    }
+    if (key->key() == Qt::Key_M && (mods == Qt::ControlModifier || mods == Qt::AltModifier)) {
+        numberBars(mods == Qt::AltModifier);
+        return true;
+    }
+    const QString typed = key->text();
+    if ((typed == u"[" || typed == u"{") && m_app.ini().getInt(keys::CloseBrackets) != 0) {
+        // The closing bracket comes with the opening one; the caret stands between them.
+        QTextCursor cursor = editor->textCursor();
+        cursor.insertText(typed + (typed == u"[" ? u']' : u'}'));
+        cursor.movePosition(QTextCursor::PreviousCharacter);
+        editor->setTextCursor(cursor);
         return true;
     }
     if (key->key() == Qt::Key_P && mods == Qt::ControlModifier) {

@@ -69,6 +69,8 @@ public:
     void paste();
     // The tune made of the header fields and the caret's line.
     QString getCurLineAsTune() const;
+    // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
+    void numberBars(bool insertMarker);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -80,6 +82,8 @@ private:
     void showCaret();
     void popupMenu(const QPoint &pos);
     void setWrap(bool wrap);
+    // Replaces the editor's whole text as one change, keeping the caret and the scroll position.
+    void replaceAllText(const QString &text);
     void sessionEnded(bool validated);
     void setNextPrevEnabled(bool enabled);
     // The two "current line only" boxes, the score's here and the player's: shown, and cleared,
