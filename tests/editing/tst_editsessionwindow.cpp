@@ -21,6 +21,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -54,6 +55,7 @@ public:
         // The session opens the note output: it must sound into a file, never into a device.
         qputenv("FENNELWORKS_AUDIO", "file:" + env.path(QStringLiteral("out.wav")).toUtf8());
         window = test::loadedMainWindow(env);
+        window->resize(1280, 800); // the size of a small laptop screen: the edit bar fits whole
         kFile = window->openPath(env.writeFile("reels.abc", kReels));
     }
     ~Window()
@@ -227,6 +229,74 @@ private slots:
         else
             QTest::keyClicks(w.editor(), keys);
         QVERIFY2(w.editor()->toPlainText().endsWith(endsWith), qPrintable(w.editor()->toPlainText()));
+    }
+
+    void useTemplate_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("expected");
+        // Tune 2 is "X:2 T:Second K:D defg a2|"; its last line is selected before the choice.
+        QTest::newRow("Yes replaces the text") << int(Answer::Yes) << "X:0\nT:\nM:6/8\nK:D";
+        QTest::newRow("No puts it in place of the selection")
+            << int(Answer::No) << "X:2\nT:Second\nK:D\nX:0\nT:\nM:6/8\nK:D";
+        QTest::newRow("Cancel leaves the text") << int(Answer::Cancel) << "X:2\nT:Second\nK:D\ndefg a2|";
+    }
+    void useTemplate()
+    {
+        QFETCH(int, answer);
+        QFETCH(QString, expected);
+        Window w;
+        QDir().mkpath(w.app().paths().userFolder() + QStringLiteral("/tmpl"));
+        QFile jig(w.app().paths().userFolder() + QStringLiteral("/tmpl/Jig.txt"));
+        QVERIFY(jig.open(QIODevice::WriteOnly));
+        jig.write("  X:0\r\nT:\r\nM:6/8\r\nK:D\r\n");
+        jig.close();
+        w.select(w.tuneKey(2));
+        w.key(Qt::Key_F5);
+        auto *list = w.window->findChild<QComboBox *>(QStringLiteral("lst_Mdl"));
+        QCOMPARE(list->count(), 2);
+        QTextCursor cursor = w.editor()->textCursor();
+        cursor.movePosition(QTextCursor::End);
+        cursor.movePosition(QTextCursor::StartOfBlock, QTextCursor::KeepAnchor);
+        w.editor()->setTextCursor(cursor);
+        w.ui().pushAnswer(Answer(answer));
+        w.edit().lst_Mdl_Click(0); // the "no choice" entry asks nothing
+        w.edit().lst_Mdl_Click(1);
+        QCOMPARE(w.ui().texts(ScriptedDialogs::Kind::Question).size(), 1);
+        QCOMPARE(w.editor()->toPlainText(), answer == int(Answer::Yes) ? QStringLiteral("  ") + expected : expected);
+        QCOMPARE(list->currentIndex(), 0);
+    }
+
+    void saveTemplate_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("the first free name") << "Template1" << true;
+        QTest::newRow("a name of its own") << "Slide" << true;
+        QTest::newRow("taken by a file of another extension") << "Reel" << false;
+        QTest::newRow("taken by a template") << "Jig" << false;
+    }
+    void saveTemplate()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, saved);
+        Window w;
+        const QString folder = w.app().paths().userFolder() + QStringLiteral("/tmpl");
+        QDir().mkpath(folder);
+        for (const char *file : { "/Reel.abc", "/Jig.txt" }) {
+            QFile f(folder + QString::fromLatin1(file));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+        }
+        w.select(w.tuneKey(2));
+        w.key(Qt::Key_F5);
+        w.ui().pushInput(name);
+        w.barAction("domodel")->trigger();
+        const QString stem = name;
+        QCOMPARE(w.ui().texts(ScriptedDialogs::Kind::Message).size(), saved ? 0 : 1);
+        auto *list = w.window->findChild<QComboBox *>(QStringLiteral("lst_Mdl"));
+        QCOMPARE(list->findText(stem) > 0, saved || stem == u"Jig");
+        if (saved)
+            QCOMPARE(test::readAll(folder + u'/' + stem + QStringLiteral(".txt")), QStringLiteral("X:2\nT:Second\nK:D\ndefg a2|"));
     }
 
     void cancel_data()

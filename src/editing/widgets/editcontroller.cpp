@@ -2,6 +2,7 @@
 
 #include "editing/barcounter.h"
 #include "editing/editsession.h"
+#include "editing/templates.h"
 #include "editing/transpose.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
@@ -9,6 +10,7 @@
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
+#include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "frame/widgets/mainmenus.h"
 #include "playback/midierror.h"
@@ -23,6 +25,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QFile>
 #include <QHash>
 #include <QKeyEvent>
@@ -92,6 +95,11 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
         button->setPopupMode(QToolButton::MenuButtonPopup);
     m_cancel = barAction(m_bar, "cancel", "dialog-cancel");
     m_undo = barAction(m_bar, "bt_undo", "edit-undo");
+    m_doModel = barAction(m_bar, "domodel", "document-save-as-template");
+    m_templates = new QComboBox;
+    m_templates->setObjectName(QStringLiteral("lst_Mdl"));
+    m_templates->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_templatesAction = m_bar->addWidget(m_templates);
     m_bar->addSeparator();
     m_down = barAction(m_bar, "bt_Transpose0", "arrow-down");
     m_step = new QSpinBox;
@@ -125,6 +133,8 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
     connect(m_validSave, &QAction::triggered, this, [this] { validSave(false); });
     connect(m_validSaveQuit, &QAction::triggered, this, [this] { validSave(true); });
     connect(m_undo, &QAction::triggered, this, &EditController::bt_undo_Click);
+    connect(m_doModel, &QAction::triggered, this, &EditController::domodel);
+    connect(m_templates, &QComboBox::activated, this, &EditController::lst_Mdl_Click);
     connect(m_down, &QAction::triggered, this, [this] { bt_Transpose_Click(0); });
     connect(m_up, &QAction::triggered, this, [this] { bt_Transpose_Click(1); });
     connect(m_wrap, &QCheckBox::toggled, this, &EditController::setWrap);
@@ -183,6 +193,9 @@ void EditController::loadLang()
     m_cancel->setText(text("MainForm", "<cancel>"));
     m_cancel->setToolTip(text("MainForm", "<cancel>") + QStringLiteral(" (Esc)"));
     m_undo->setToolTip(text("TTText", "<undo>"));
+    m_doModel->setToolTip(text("TTText", "<doTemplate>"));
+    m_templates->setToolTip(text("TTText", "<useTemplate>"));
+    fillTemplates();
     m_down->setToolTip(text("TTText", "<transposDown>"));
     m_up->setToolTip(text("TTText", "<transposUp>"));
     m_step->setToolTip(text("TTText", "<unitTranspose>"));
@@ -244,6 +257,7 @@ void EditController::abcedit()
     closeWindow(true);
     setSessionLook(true);
     m_undo->setEnabled(false);
+    fillTemplates(); // templates may have been added to the folder since the last session
     if (m_score)
         m_score->setPauseVisible(tune);
     m_panel->setWarning(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")) + u'\n'
@@ -316,7 +330,7 @@ void EditController::setSessionLook(bool editing)
     m_edit->setVisible(!editing);
     // Esc belongs to the session only while one runs; otherwise the panels keep it.
     m_app.commands().setEnabled(QStringLiteral("key_Esc"), editing);
-    for (QAction *action : { m_ok, m_cancel, m_undo, m_down, m_up, m_stepAction })
+    for (QAction *action : { m_ok, m_cancel, m_undo, m_doModel, m_templatesAction, m_down, m_up, m_stepAction })
         action->setVisible(editing);
     if (!editing)
         showOneLineBoxes(false);
@@ -427,6 +441,48 @@ void EditController::replaceAllText(const QString &text)
     editor->setTextCursor(cursor);
     editor->verticalScrollBar()->setValue(scroll);
     m_panel->ColorerABC();
+}
+
+void EditController::fillTemplates()
+{
+    m_templates->clear();
+    m_templates->addItem(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<templates>")));
+    m_templates->addItems(templateNames(m_app));
+}
+
+void EditController::lst_Mdl_Click(int index)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    const QString name = m_templates->itemText(index);
+    m_templates->setCurrentIndex(0);
+    if (index < 1 || editor->isReadOnly())
+        return;
+    const QString msg = QStringLiteral("Msg");
+    const auto answer = m_app.ui().question(m_app.text(msg, QStringLiteral("<replaceByTmpl>")) + CRLF + CRLF
+            + m_app.text(msg, QStringLiteral("<inserTmpl>")),
+        true, m_app.text(msg, QStringLiteral("<useTmpl>")));
+    if (answer == UserDialogs::Answer::Yes) {
+        const QString text = readTemplate(m_app, name, false);
+        if (!text.isNull())
+            replaceAllText(editorText(text));
+    } else if (answer == UserDialogs::Answer::No) {
+        const QString text = readTemplate(m_app, name, true);
+        if (!text.isNull()) {
+            editor->textCursor().insertText(editorText(text));
+            m_panel->ColorerABC();
+        }
+    }
+    editor->setFocus();
+}
+
+void EditController::domodel()
+{
+    if (!isEditing())
+        return;
+    const QString name = saveTemplate(m_app, m_panel->editor()->toPlainText());
+    if (!name.isEmpty())
+        fillTemplates();
+    m_panel->editor()->setFocus();
 }
 
 void EditController::numberBars(bool insertMarker)

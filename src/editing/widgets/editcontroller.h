@@ -6,6 +6,7 @@
 
 class QAction;
 class QCheckBox;
+class QComboBox;
 class QLabel;
 class QMenu;
 class QPoint;
@@ -69,6 +70,10 @@ public:
     void paste();
     // The tune made of the header fields and the caret's line.
     QString getCurLineAsTune() const;
+    // lst_Mdl: replaces the text by a template, or inserts it at the caret, as the user answers.
+    void lst_Mdl_Click(int index);
+    // domodel: keeps the editor's text as a template.
+    void domodel();
     // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
     void numberBars(bool insertMarker);
 
@@ -90,6 +95,7 @@ private:
     // for a session on a tune only.
     void showOneLineBoxes(bool shown);
     void refreshScore();
+    void fillTemplates();
 
     AppContext &m_app;
     AbcTextPanel *m_panel;
@@ -101,6 +107,9 @@ private:
     QAction *m_validSave;
     QAction *m_validSaveQuit;
     QAction *m_undo;
+    QAction *m_doModel;
+    QComboBox *m_templates; // lst_Mdl
+    QAction *m_templatesAction;
     QAction *m_down;
     QAction *m_up;
     QAction *m_stepAction;
