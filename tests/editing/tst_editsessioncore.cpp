@@ -3,6 +3,7 @@
 #include "testenv.h"
 #include "testmain.h"
 
+#include "editing/autoinsert.h"
 #include "editing/barcounter.h"
 #include "editing/editsession.h"
 #include "editing/transpose.h"
@@ -167,6 +168,44 @@ private slots:
         const QString text = QStringLiteral("X:1\r\nK:G\r\n%%|\r\nabc|def|\r\n%%|99 old\r\n|:gab|cde:|\r\n%%|");
         QCOMPARE(numberBarMarkers(text),
             QStringLiteral("X:1\r\nK:G\r\n%%|1\r\nabc|def|\r\n%%|3\r\n|:gab|cde:|\r\n%%|5"));
+    }
+
+    // What the program writes must read back the same: quotes, commas, line breaks and all.
+    void insertionFileRoundTrip()
+    {
+        TestEnv env;
+        const QList<InsertionEntry> entries { { "tr", "~" }, { "jig", "X:0\r\nM:6/8\r\nK:D\r\n" },
+            { "q", "\"Am\",\"G\" and a \"\"" }, { "e", "" }, { "Tr", "!trill!" } };
+        const QString path = env.root() + QStringLiteral("/insauto.dat");
+        QVERIFY(writeInsAuto(path, entries));
+        const QList<InsertionEntry> back = Lire_insAuto(path);
+        QCOMPARE(back.size(), entries.size());
+        for (int i = 0; i < entries.size(); ++i) {
+            QCOMPARE(back.at(i).code, entries.at(i).code);
+            QCOMPARE(back.at(i).text, entries.at(i).text);
+        }
+        QCOMPARE(findInsertion(back, QStringLiteral("Tr")), 4); // case counts
+        QVERIFY(Lire_insAuto(env.path(QStringLiteral("none.dat"))).isEmpty());
+    }
+
+    void insertionWord_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("caret");
+        QTest::addColumn<QString>("word");
+        QTest::newRow("between a blank and a comma") << "abc jig,def" << 5 << "jig";
+        QTest::newRow("caret behind the word") << "A2 tr|" << 5 << "tr";
+        QTest::newRow("line start") << "x\r\nroll B" << 3 << "roll";
+        QTest::newRow("inline field") << "[K:Dmix" << 5 << "Dmix";
+        QTest::newRow("nothing under the caret") << "a  b" << 2 << "";
+    }
+    void insertionWord()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, caret);
+        QFETCH(QString, word);
+        const TextSpan span = insertionWordAt(text, caret);
+        QCOMPARE(text.mid(span.start, span.length), word);
     }
 
     void transposeStepText_data()

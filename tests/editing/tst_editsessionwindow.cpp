@@ -299,6 +299,33 @@ private slots:
             QCOMPARE(test::readAll(folder + u'/' + stem + QStringLiteral(".txt")), QStringLiteral("X:2\nT:Second\nK:D\ndefg a2|"));
     }
 
+    // F3 turns the code before the caret into its text; Alt+F3 stores a selection under a code.
+    void autoInsertion()
+    {
+        Window w;
+        w.select(w.tuneKey(1));
+        w.key(Qt::Key_F5);
+        w.moveToEnd();
+        QTest::keyClicks(w.editor(), QStringLiteral("|A2"));
+        QTextCursor cursor = w.editor()->textCursor();
+        cursor.movePosition(QTextCursor::Left, QTextCursor::KeepAnchor, 2);
+        w.editor()->setTextCursor(cursor);
+        w.ui().pushInput(QStringLiteral("with blank")); // refused, asked again
+        w.ui().pushInput(QStringLiteral(" a2"));
+        w.key(Qt::Key_F3, Qt::AltModifier);
+        QCOMPARE(w.ui().messages(), QStringList { w.app().text(QStringLiteral("Msg"), QStringLiteral("<spaceForbid>")) });
+
+        w.moveToEnd();
+        QTest::keyClicks(w.editor(), QStringLiteral(" a2"));
+        w.key(Qt::Key_F3);
+        QVERIFY2(w.editor()->toPlainText().endsWith(QStringLiteral("d2B2||A2 A2")), qPrintable(w.editor()->toPlainText()));
+        QTest::keyClicks(w.editor(), QStringLiteral(" A2"));
+        w.key(Qt::Key_F3); // codes are told apart by case: "A2" is none
+        QCOMPARE(w.ui().messages().size(), 2);
+        QVERIFY(w.editor()->toPlainText().endsWith(QStringLiteral("A2 A2")));
+        QVERIFY(!w.editor()->textCursor().hasSelection());
+    }
+
     void cancel_data()
     {
         QTest::addColumn<bool>("change");

@@ -1,5 +1,6 @@
 #include "editing/widgets/editcontroller.h"
 
+#include "editing/autoinsert.h"
 #include "editing/barcounter.h"
 #include "editing/editsession.h"
 #include "editing/templates.h"
@@ -485,6 +486,40 @@ void EditController::domodel()
     m_panel->editor()->setFocus();
 }
 
+void EditController::insertion_auto()
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    if (editor->isReadOnly())
+        return;
+    QTextCursor cursor = editor->textCursor();
+    if (!cursor.hasSelection()) {
+        const TextSpan word = insertionWordAt(editor->toPlainText(), cursor.position());
+        cursor.setPosition(int(word.start));
+        cursor.setPosition(int(word.start + word.length), QTextCursor::KeepAnchor);
+    }
+    const QString code = trimBlanks(cursor.selectedText());
+    const QList<InsertionEntry> entries = Lire_insAuto(insAutoFile(m_app));
+    const int found = findInsertion(entries, code);
+    if (found < 0) {
+        cursor.setPosition(cursor.selectionEnd());
+        editor->setTextCursor(cursor);
+        m_app.ui().message(m_app.text(QStringLiteral("Msg"), QStringLiteral("<codeNotExist>")), UserDialogs::Icon::Warning);
+        return;
+    }
+    QString text = entries.at(found).text;
+    cursor.insertText(text.replace(CRLF, QStringLiteral("\n")));
+    editor->setTextCursor(cursor);
+    m_panel->ColorerABC();
+}
+
+void EditController::defineInsertion()
+{
+    QString selection = m_panel->editor()->textCursor().selectedText();
+    selection.replace(QChar::ParagraphSeparator, CRLF);
+    def_Insertion(m_app, selection);
+    m_panel->editor()->setFocus();
+}
+
 void EditController::numberBars(bool insertMarker)
 {
     if (!isEditing())
@@ -591,6 +626,13 @@ bool EditController::eventFilter(QObject *watched, QEvent *event)
     }
     if (key->matches(QKeySequence::Undo)) {
         bt_undo_Click();
+        return true;
+    }
+    if (key->key() == Qt::Key_F3 && (mods == Qt::NoModifier || mods == Qt::AltModifier)) {
+        if (mods == Qt::AltModifier)
+            defineInsertion();
+        else
+            insertion_auto();
         return true;
     }
     if (key->key() == Qt::Key_M && (mods == Qt::ControlModifier || mods == Qt::AltModifier)) {

@@ -74,6 +74,10 @@ public:
     void lst_Mdl_Click(int index);
     // domodel: keeps the editor's text as a template.
     void domodel();
+    // F3: the code at the caret, or the selected one, becomes its stored text.
+    void insertion_auto();
+    // Alt+F3: stores the selection under a code the user gives.
+    void defineInsertion();
     // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
     void numberBars(bool insertMarker);
 
