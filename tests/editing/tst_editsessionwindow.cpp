@@ -11,6 +11,7 @@
 #include "frame/settings.h"
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainwindow.h"
+#include "playback/widgets/playerpanel.h"
 #include "frame/session.h"
 #include "store/node.h"
 #include "store/tuneops.h"
@@ -169,6 +170,8 @@ private slots:
         }
         QVERIFY(w.edit().isEditing());
         QVERIFY(w.app().tree().find(w.kFile));
+        // Ctrl+P is the editor's: it plays the tune instead of printing it.
+        QTRY_VERIFY(w.window->findChild<PlayerPanel *>()->hasPerformance());
         for (const ScriptedDialogs::Shown &shown : w.ui().shown)
             QVERIFY2(shown.kind == ScriptedDialogs::Kind::Status, qPrintable(shown.text));
         QVERIFY(!w.ui().hadUnexpectedPrompts());
