@@ -124,6 +124,7 @@ private slots:
         QVERIFY(w.windowClosedOff());
         QVERIFY(w.shows("pic_Warning"));
         QVERIFY(w.shows("chk_OneLine0"));
+        QVERIFY(w.shows("pic_Lignes"));
         QVERIFY(w.expanded(w.tuneKey(1)));
         QVERIFY(!w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY(w.barAction("ok")->isVisible());
@@ -148,6 +149,7 @@ private slots:
         QVERIFY(!w.windowClosedOff());
         QVERIFY(!w.shows("pic_Warning"));
         QVERIFY(!w.shows("chk_OneLine0"));
+        QVERIFY(!w.shows("pic_Lignes"));
         QVERIFY(w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY2(
             w.stored(1).endsWith(QStringLiteral("GABc d2B2|cBA\r\n%\r\nG4|\r\n")), qPrintable(w.stored(1)));

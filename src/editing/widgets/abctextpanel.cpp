@@ -1,5 +1,6 @@
 #include "editing/widgets/abctextpanel.h"
 
+#include "editing/widgets/abceditor.h"
 #include "editing/widgets/abchighlighter.h"
 
 #include "finding/tunefilter.h"
@@ -27,7 +28,7 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     : QWidget(parent)
     , m_caption(new QLabel(this))
     , m_warning(new QLabel(this))
-    , m_text(new QPlainTextEdit(this))
+    , m_text(new AbcEditor(this))
     , m_highlighter(new AbcHighlighter(m_text->document()))
 {
     setObjectName(QStringLiteral("pic_ABC"));
@@ -64,6 +65,11 @@ AbcTextPanel::AbcTextPanel(QWidget *parent)
     m_layout->addWidget(m_warning);
     m_layout->addWidget(m_text, 1);
     applyLockedLook();
+}
+
+QPlainTextEdit *AbcTextPanel::editor() const
+{
+    return m_text;
 }
 
 void AbcTextPanel::setCaption(const QString &caption)

@@ -7,6 +7,7 @@ class QVBoxLayout;
 
 namespace fenwork {
 
+class AbcEditor;
 class AbcHighlighter;
 struct HighlightRange;
 struct InfoLine;
@@ -20,7 +21,8 @@ class AbcTextPanel : public QWidget
 public:
     explicit AbcTextPanel(QWidget *parent = nullptr);
 
-    QPlainTextEdit *editor() const { return m_text; }
+    QPlainTextEdit *editor() const;
+    AbcEditor *abcEditor() const { return m_text; }
 
     void setCaption(const QString &caption);
     QString caption() const;
@@ -63,7 +65,7 @@ private:
 
     QLabel *m_caption;
     QLabel *m_warning;
-    QPlainTextEdit *m_text;
+    AbcEditor *m_text;
     AbcHighlighter *m_highlighter;
     QVBoxLayout *m_layout = nullptr;
     bool m_locked = true;

@@ -5,6 +5,7 @@
 #include "editing/editsession.h"
 #include "editing/templates.h"
 #include "editing/transpose.h"
+#include "editing/widgets/abceditor.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
 #include "frame/paths.h"
@@ -259,6 +260,7 @@ void EditController::abcedit()
     setSessionLook(true);
     m_undo->setEnabled(false);
     fillTemplates(); // templates may have been added to the folder since the last session
+    m_panel->abcEditor()->setLineNumbersVisible(true);
     if (m_score)
         m_score->setPauseVisible(tune);
     m_panel->setWarning(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")) + u'\n'
@@ -316,6 +318,7 @@ void EditController::sessionEnded(bool validated)
     if (m_notes && m_notes->isOpen())
         m_notes->close();
     m_panel->setWarning({});
+    m_panel->abcEditor()->setLineNumbersVisible(false);
     setNextPrevEnabled(true);
     showOneLineBoxes(false);
     const QString key = m_editedKey;

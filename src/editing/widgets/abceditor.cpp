@@ -1,0 +1,99 @@
+#include "editing/widgets/abceditor.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTextBlock>
+
+namespace fenwork {
+
+class LineNumberMargin : public QWidget
+{
+public:
+    explicit LineNumberMargin(AbcEditor *editor)
+        : QWidget(editor)
+        , m_editor(editor)
+    {
+        setObjectName(QStringLiteral("pic_Lignes"));
+    }
+    QSize sizeHint() const override { return { m_editor->marginWidth(), 0 }; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override { m_editor->paintMargin(event); }
+
+private:
+    AbcEditor *m_editor;
+};
+
+AbcEditor::AbcEditor(QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_margin(new LineNumberMargin(this))
+{
+    m_margin->hide();
+    // Repainted with the text, not on a timer: scrolling and typing move the numbers at once.
+    connect(this, &QPlainTextEdit::blockCountChanged, this, &AbcEditor::updateMargin);
+    connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect &rect, int dy) {
+        if (!m_margin->isVisible())
+            return;
+        if (dy != 0)
+            m_margin->scroll(0, dy);
+        else
+            m_margin->update(0, rect.y(), m_margin->width(), rect.height());
+    });
+    connect(this, &QPlainTextEdit::cursorPositionChanged, m_margin, qOverload<>(&QWidget::update));
+}
+
+void AbcEditor::setLineNumbersVisible(bool visible)
+{
+    m_margin->setVisible(visible);
+    updateMargin();
+}
+
+bool AbcEditor::lineNumbersVisible() const
+{
+    return !m_margin->isHidden();
+}
+
+int AbcEditor::marginWidth() const
+{
+    int digits = 2;
+    for (int n = qMax(1, blockCount()); n >= 100; n /= 10)
+        ++digits;
+    return 8 + fontMetrics().horizontalAdvance(QLatin1Char('9')) * digits;
+}
+
+void AbcEditor::updateMargin()
+{
+    const bool shown = !m_margin->isHidden();
+    setViewportMargins(shown ? marginWidth() : 0, 0, 0, 0);
+    const QRect inside = contentsRect();
+    m_margin->setGeometry(inside.left(), inside.top(), shown ? marginWidth() : 0, inside.height());
+}
+
+void AbcEditor::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    updateMargin();
+}
+
+void AbcEditor::paintMargin(QPaintEvent *event)
+{
+    QPainter painter(m_margin);
+    painter.fillRect(event->rect(), palette().color(QPalette::Window));
+    painter.setFont(font());
+    const int caretBlock = textCursor().blockNumber();
+    QTextBlock block = firstVisibleBlock();
+    int top = qRound(blockBoundingGeometry(block).translated(contentOffset()).top());
+    const int lineHeight = fontMetrics().height();
+    while (block.isValid() && top <= event->rect().bottom()) {
+        const int height = qRound(blockBoundingRect(block).height());
+        if (block.isVisible() && top + height >= event->rect().top()) {
+            painter.setPen(block.blockNumber() == caretBlock ? QColor(Qt::red) : palette().color(QPalette::WindowText));
+            painter.drawText(0, top, m_margin->width() - 4, lineHeight, Qt::AlignRight,
+                QString::number(block.blockNumber() + 1));
+        }
+        top += height;
+        block = block.next();
+    }
+}
+
+} // namespace fenwork
