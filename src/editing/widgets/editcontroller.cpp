@@ -74,6 +74,7 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
     : QObject(parent)
     , m_app(app)
     , m_panel(panel)
+    , m_editorObject(panel->editor())
     , m_session(new EditSession(app, this))
     , m_bar(new QToolBar)
 {
@@ -601,7 +602,7 @@ void EditController::popupMenu(const QPoint &pos)
 
 bool EditController::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_panel->editor() || event->type() != QEvent::KeyPress)
+    if (watched != m_editorObject || event->type() != QEvent::KeyPress)
         return QObject::eventFilter(watched, event);
     auto *key = static_cast<QKeyEvent *>(event);
     QPlainTextEdit *editor = m_panel->editor();

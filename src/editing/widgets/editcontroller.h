@@ -103,6 +103,8 @@ private:
 
     AppContext &m_app;
     AbcTextPanel *m_panel;
+    // Compared in the event filter, which also sees the events of the panel's destruction.
+    QObject *m_editorObject;
     EditSession *m_session;
     QToolBar *m_bar;
     QAction *m_edit;
