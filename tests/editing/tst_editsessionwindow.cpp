@@ -12,6 +12,7 @@
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainwindow.h"
 #include "playback/widgets/playerpanel.h"
+#include "score/widgets/scorepanel.h"
 #include "frame/session.h"
 #include "store/node.h"
 #include "store/tuneops.h"
@@ -165,7 +166,7 @@ private slots:
         Window w;
         w.select(w.tuneKey(1));
         w.key(Qt::Key_F5);
-        for (const QKeySequence &keys : { QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
+        for (const QKeySequence &keys : { QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
                  QKeySequence(QKeySequence::New), QKeySequence(QKeySequence::Open), QKeySequence(QKeySequence::Print) }) {
             QTest::keySequence(w.editor(), keys);
             QApplication::processEvents();
@@ -329,6 +330,24 @@ private slots:
         QCOMPARE(w.ui().messages().size(), 2);
         QVERIFY(w.editor()->toPlainText().endsWith(QStringLiteral("A2 A2")));
         QVERIFY(!w.editor()->textCursor().hasSelection());
+    }
+
+    // Ctrl+W gives the whole window to the text and back; F10 the whole panel to the score.
+    void roomForTheText()
+    {
+        Window w;
+        w.select(w.tuneKey(1));
+        auto *score = w.window->findChild<ScorePanel *>();
+        auto *player = w.window->findChild<PlayerPanel *>();
+        QTest::keyClick(w.window.get(), Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!score->isVisible() && !player->isVisible() && w.editor()->isVisible());
+        QTest::keyClick(w.window.get(), Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(score->isVisible() && player->isVisible());
+        QVERIFY(w.app().tree().find(w.kFile)); // no longer the key that closes the file
+        QTest::keyClick(w.window.get(), Qt::Key_F10);
+        QVERIFY(score->isFullPanel());
+        QTest::keyClick(w.window.get(), Qt::Key_F10);
+        QVERIFY(!score->isFullPanel());
     }
 
     void cancel_data()

@@ -143,7 +143,6 @@ void MainMenus::build(QMenuBar *bar, QToolBar *toolBar)
         { "mnu_openFile", QKeySequence::Open },
         { "mnu_save0", QKeySequence::Save },
         { "mnu_save1", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S) },
-        { "mnu_closeFile", QKeySequence(Qt::CTRL | Qt::Key_W) },
         { "mnu_closeAll", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W) },
         { "mnu_printTune", QKeySequence::Print },
         { "mnu_Quitter", QKeySequence(Qt::CTRL | Qt::Key_Q) },
@@ -369,7 +368,9 @@ void MainMenus::buildKeys()
     for (const auto &[name, sequence] :
         { std::pair<const char *, QKeySequence> { "key_F5", QKeySequence(Qt::Key_F5) },
             { "key_Esc", QKeySequence(Qt::Key_Escape) },
-            { "key_CtrlR", QKeySequence(Qt::CTRL | Qt::Key_R) } }) {
+            { "key_CtrlR", QKeySequence(Qt::CTRL | Qt::Key_R) },
+            { "key_F10", QKeySequence(Qt::Key_F10) },
+            { "key_CtrlW", QKeySequence(Qt::CTRL | Qt::Key_W) } }) {
         QAction *key = addItem(nullptr, name, kMenus, "");
         key->setShortcut(sequence);
         key->setShortcutContext(Qt::WindowShortcut);

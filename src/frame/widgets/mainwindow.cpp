@@ -330,6 +330,8 @@ void MainWindow::connectCommands()
     on({ "key_F5" }, [this] { m_edit->key_F5(); });
     on({ "key_Esc" }, [this] { m_edit->key_Esc(); });
     on({ "key_CtrlR" }, [this] { m_score->seeScore(); });
+    on({ "key_F10" }, [this] { m_score->setFullPanel(!m_score->isFullPanel()); });
+    on({ "key_CtrlW" }, [this] { bt_editMax_Click(); });
     on({ "mnu_impMidi" }, [&app] { mnu_impMidi(app); });
     PlayerPanel *player = m_player;
     on({ "mnu_playTune" }, [player] { player->mnu_playTune(); });
@@ -595,6 +597,15 @@ void MainWindow::closeEvent(QCloseEvent *event)
     } else {
         event->ignore();
     }
+}
+
+void MainWindow::bt_editMax_Click()
+{
+    // The text alone in the window, for long tunes; the same key brings the panels back.
+    m_editMax = !m_editMax;
+    m_splitLeft->setVisible(!m_editMax);
+    m_score->setVisible(!m_editMax);
+    m_textPanel->editor()->setFocus();
 }
 
 } // namespace fenwork

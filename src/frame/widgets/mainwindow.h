@@ -49,6 +49,8 @@ public:
     void openHandedOver(const QString &path);
     // The quit sequence: asks about unsaved files and writes the session. False: cancelled.
     bool Form_Unload();
+    // Ctrl+W: the text panel alone in the window, or the panels back.
+    void bt_editMax_Click();
 
     ExplorerPanel *explorer() const { return m_explorer; }
     TreeView *tree() const;
@@ -98,6 +100,7 @@ private:
     MainStatusBar *m_status = nullptr;
     KeptSettings m_kept;
     bool m_quitting = false;
+    bool m_editMax = false;
 };
 
 } // namespace fenwork
