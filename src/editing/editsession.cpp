@@ -88,6 +88,14 @@ QString toStoreText(const QString &editorText)
     return text;
 }
 
+QString fromStoreText(QString storeText)
+{
+    storeText.replace(CRLF, QStringLiteral("\n"));
+    if (storeText.endsWith(u'\n'))
+        storeText.chop(1);
+    return storeText;
+}
+
 EditSession::EditSession(AppContext &app, QObject *parent)
     : QObject(parent)
     , m_app(app)

@@ -40,6 +40,9 @@ bool needsBlankLineGuard(const QString &text, qsizetype caret);
 QString getCurLineAsTune(const AppContext &app, const QString &kTune, const QString &text, qsizetype caret);
 // Editor text (LF) as the store takes it (CR LF).
 QString toStoreText(const QString &editorText);
+// Store text as the editor shows it: LF lines, without the last line break the store adds, so
+// that a reload looks as typed.
+QString fromStoreText(QString storeText);
 
 class EditSession : public QObject
 {

@@ -1,10 +1,6 @@
 #include "editing/widgets/editcontroller.h"
 
-#include "editing/autoinsert.h"
-#include "editing/barcounter.h"
 #include "editing/editsession.h"
-#include "editing/templates.h"
-#include "editing/transpose.h"
 #include "editing/widgets/abceditor.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
@@ -29,7 +25,6 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFile>
-#include <QHash>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
@@ -57,15 +52,6 @@ QAction *barAction(QToolBar *bar, const char *name, const char *icon)
     if (QWidget *button = bar->widgetForAction(action))
         button->setObjectName(action->objectName());
     return action;
-}
-
-// Editor text without the last line break the store adds, so that a reload looks as typed.
-QString editorText(QString text)
-{
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    if (text.endsWith(u'\n'))
-        text.chop(1);
-    return text;
 }
 
 } // namespace
@@ -422,135 +408,6 @@ void EditController::bt_undo_Click()
     editor->setFocus();
 }
 
-void EditController::bt_Transpose_Click(int index)
-{
-    QPlainTextEdit *editor = m_panel->editor();
-    editor->setFocus();
-    const int halfTones = transposeStep(m_step->text(), index == 0);
-    const QString moved = transposeText(m_app, toStoreText(editor->toPlainText()), halfTones);
-    if (moved.isEmpty())
-        return;
-    replaceAllText(editorText(moved));
-}
-
-void EditController::replaceAllText(const QString &text)
-{
-    QPlainTextEdit *editor = m_panel->editor();
-    const int caret = editor->textCursor().position();
-    const int scroll = editor->verticalScrollBar()->value();
-    // Through a cursor, not setPlainText: the ring records it as one change.
-    QTextCursor cursor(editor->document());
-    cursor.select(QTextCursor::Document);
-    cursor.insertText(text);
-    cursor.setPosition(qMin(caret, int(text.size())));
-    editor->setTextCursor(cursor);
-    editor->verticalScrollBar()->setValue(scroll);
-    m_panel->ColorerABC();
-}
-
-void EditController::fillTemplates()
-{
-    m_templates->clear();
-    m_templates->addItem(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<templates>")));
-    m_templates->addItems(templateNames(m_app));
-}
-
-void EditController::lst_Mdl_Click(int index)
-{
-    QPlainTextEdit *editor = m_panel->editor();
-    const QString name = m_templates->itemText(index);
-    m_templates->setCurrentIndex(0);
-    if (index < 1 || editor->isReadOnly())
-        return;
-    const QString msg = QStringLiteral("Msg");
-    const auto answer = m_app.ui().question(m_app.text(msg, QStringLiteral("<replaceByTmpl>")) + CRLF + CRLF
-            + m_app.text(msg, QStringLiteral("<inserTmpl>")),
-        true, m_app.text(msg, QStringLiteral("<useTmpl>")));
-    if (answer == UserDialogs::Answer::Yes) {
-        const QString text = readTemplate(m_app, name, false);
-        if (!text.isNull())
-            replaceAllText(editorText(text));
-    } else if (answer == UserDialogs::Answer::No) {
-        const QString text = readTemplate(m_app, name, true);
-        if (!text.isNull()) {
-            editor->textCursor().insertText(editorText(text));
-            m_panel->ColorerABC();
-        }
-    }
-    editor->setFocus();
-}
-
-void EditController::domodel()
-{
-    if (!isEditing())
-        return;
-    const QString name = saveTemplate(m_app, m_panel->editor()->toPlainText());
-    if (!name.isEmpty())
-        fillTemplates();
-    m_panel->editor()->setFocus();
-}
-
-void EditController::insertion_auto()
-{
-    QPlainTextEdit *editor = m_panel->editor();
-    if (editor->isReadOnly())
-        return;
-    QTextCursor cursor = editor->textCursor();
-    if (!cursor.hasSelection()) {
-        const TextSpan word = insertionWordAt(editor->toPlainText(), cursor.position());
-        cursor.setPosition(int(word.start));
-        cursor.setPosition(int(word.start + word.length), QTextCursor::KeepAnchor);
-    }
-    const QString code = trimBlanks(cursor.selectedText());
-    const QList<InsertionEntry> entries = Lire_insAuto(insAutoFile(m_app));
-    const int found = findInsertion(entries, code);
-    if (found < 0) {
-        cursor.setPosition(cursor.selectionEnd());
-        editor->setTextCursor(cursor);
-        m_app.ui().message(m_app.text(QStringLiteral("Msg"), QStringLiteral("<codeNotExist>")), UserDialogs::Icon::Warning);
-        return;
-    }
-    QString text = entries.at(found).text;
-    cursor.insertText(text.replace(CRLF, QStringLiteral("\n")));
-    editor->setTextCursor(cursor);
-    m_panel->ColorerABC();
-}
-
-void EditController::defineInsertion()
-{
-    QString selection = m_panel->editor()->textCursor().selectedText();
-    selection.replace(QChar::ParagraphSeparator, CRLF);
-    def_Insertion(m_app, selection);
-    m_panel->editor()->setFocus();
-}
-
-void EditController::numberBars(bool insertMarker)
-{
-    if (!isEditing())
-        return;
-    QPlainTextEdit *editor = m_panel->editor();
-    if (insertMarker)
-        editor->textCursor().insertText(QStringLiteral("%%|"));
-    const QString numbered = editorText(numberBarMarkers(toStoreText(editor->toPlainText())));
-    if (numbered != editor->toPlainText())
-        replaceAllText(numbered);
-}
-
-void EditController::paste()
-{
-    QPlainTextEdit *editor = m_panel->editor();
-    QString text = QApplication::clipboard()->text();
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    editor->textCursor().insertText(text);
-    m_panel->ColorerABC();
-}
-
-QString EditController::getCurLineAsTune() const
-{
-    const QPlainTextEdit *editor = m_panel->editor();
-    return fenwork::getCurLineAsTune(
-        m_app, m_app.currentTuneKey, editor->toPlainText(), editor->textCursor().position());
-}
 
 void EditController::showCaret()
 {

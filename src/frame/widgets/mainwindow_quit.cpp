@@ -1,0 +1,144 @@
+// The main window's geometry and its quit sequence: what is asked, saved and written back when
+// the program ends, and the text panel given the whole window.
+#include "frame/widgets/mainwindow.h"
+
+#include "editing/widgets/abctextpanel.h"
+#include "editing/widgets/editcontroller.h"
+#include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
+#include "frame/strutil.h"
+#include "frame/userdialogs.h"
+#include "frame/windowsession.h"
+#include "score/widgets/scorepanel.h"
+#include "store/filecommands.h"
+#include "store/node.h"
+#include "store/tuneops.h"
+#include "store/widgets/explorerpanel.h"
+#include "store/workspacetree.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QPlainTextEdit>
+#include <QScreen>
+#include <QSplitter>
+
+namespace fenwork {
+
+namespace {
+
+const QString kMsg = QStringLiteral("Msg");
+
+} // namespace
+
+void MainWindow::applyGeometry()
+{
+    const QScreen *screen = this->screen() ? this->screen() : QGuiApplication::primaryScreen();
+    const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1280, 800);
+    // By default most of a small screen, and a comfortable size on a large one, centred.
+    WindowGeometry defaults;
+    const int width = qMin(avail.width() * 9 / 10, 1600);
+    const int height = qMin(avail.height() * 9 / 10, 1000);
+    defaults.frame = QRect(
+        avail.x() + (avail.width() - width) / 2, avail.y() + (avail.height() - height) / 2, width, height);
+    defaults.panelX = width * 3 / 10;
+    defaults.panelYG = height * 3 / 4;
+    defaults.panelYD = height * 2 / 5;
+
+    const WindowGeometry g = readWindowGeometry(m_app.ini(), defaults);
+    const QSize size(qBound(640, g.frame.width(), qMax(640, avail.width())),
+        qBound(480, g.frame.height(), qMax(480, avail.height())));
+    resize(size);
+    move(qBound(avail.left(), g.frame.x(), qMax(avail.left(), avail.right() - 100)),
+        qBound(avail.top(), g.frame.y(), qMax(avail.top(), avail.bottom() - 100)));
+    const int panelX = qBound(200, g.panelX, qMax(200, size.width() - 200));
+    m_splitX->setSizes({ panelX, size.width() - panelX });
+    // The player takes no more than it can use; what it leaves goes to the tabs.
+    const int player = qMin(m_splitLeft->widget(1)->maximumHeight(), qMax(1, size.height() - g.panelYG));
+    m_splitLeft->setSizes({ g.panelYG, player });
+    m_splitRight->setSizes({ g.panelYD, qMax(1, size.height() - g.panelYD) });
+    if (g.state == WindowGeometry::Maximised)
+        setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+WindowGeometry MainWindow::currentGeometry() const
+{
+    WindowGeometry g;
+    g.state = isMinimized() ? WindowGeometry::Minimised
+        : isMaximized()     ? WindowGeometry::Maximised
+                            : WindowGeometry::Normal;
+    g.frame = QRect(pos(), size());
+    g.panelX = m_splitX->sizes().value(0);
+    g.panelYG = m_splitLeft->sizes().value(0);
+    g.panelYD = m_splitRight->sizes().value(0);
+    return g;
+}
+
+bool MainWindow::Form_Unload()
+{
+    UserDialogs &ui = m_app.ui();
+    ui.processEvents();
+    IniFile &ini = m_app.ini();
+    const bool reset = ini.get(keys::NbFiles) == u"x";
+    const QString quitConfirm = m_app.text(kMsg, QStringLiteral("<quitConfirm>"));
+    if (m_edit->isEditing()) {
+        if (ui.question(m_app.text(kMsg, QStringLiteral("<editCur>")) + CRLF + CRLF + quitConfirm)
+            != UserDialogs::Answer::Yes)
+            return false;
+        m_edit->abandonRecovery();
+    }
+    if (cutTuneNotPasted(m_app)
+        && ui.question(m_app.text(kMsg, QStringLiteral("<clipNotSaved>")) + CRLF + CRLF + quitConfirm)
+            != UserDialogs::Answer::Yes)
+        return false;
+
+    for (const QString &kFile : changedFileKeys(m_app)) {
+        const Node *file = m_app.tree().find(kFile);
+        if (!file)
+            continue;
+        const auto answer
+            = ui.question(file->Text + CRLF + CRLF + m_app.text(kMsg, QStringLiteral("<fileModified>")) + CRLF
+                    + CRLF + m_app.text(kMsg, QStringLiteral("<saveModif>")),
+                true);
+        if (answer == UserDialogs::Answer::Cancel)
+            return false;
+        if (answer == UserDialogs::Answer::No)
+            continue;
+        // A file never saved, or one that may not be written, is saved under a name the user gives.
+        const bool asNew = file->Tag == u"<new>" || file->Image == Pic::FileRoM;
+        if (!FichierEnregistrer(m_app, kFile, asNew ? 1 : 0))
+            return false; // a save that did not happen must not lose the changes
+    }
+
+    QuitState state;
+    state.reset = reset;
+    state.choiceListKeys = m_explorer->choiceListKeys();
+    state.geometry = currentGeometry();
+    state.kept = m_kept;
+    state.kept.zoom = QString::number(m_score->zoom());
+    state.kept.scrollHScore = QString::number(m_score->scrollH());
+    state.kept.tablaturesIndex = QString::number(m_score->tablatureRow());
+    writeSessionAtQuit(m_app, state);
+    return true;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_quitting || Form_Unload()) {
+        m_quitting = true;
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void MainWindow::bt_editMax_Click()
+{
+    // The text alone in the window, for long tunes; the same key brings the panels back.
+    m_editMax = !m_editMax;
+    m_splitLeft->setVisible(!m_editMax);
+    m_score->setVisible(!m_editMax);
+    m_textPanel->editor()->setFocus();
+}
+
+} // namespace fenwork
