@@ -81,11 +81,7 @@ QString getCurLineAsTune(const AppContext &app, const QString &kTune, const QStr
 
 QString toStoreText(const QString &editorText)
 {
-    QString text = editorText;
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    text.replace(u'\n', CRLF);
-    return text;
+    return crlfLines(editorText);
 }
 
 QString fromStoreText(QString storeText)

@@ -51,4 +51,30 @@ QString replaceAll(const QString &text, QStringView before, QStringView after)
     return out;
 }
 
+QString crlfLines(const QString &text)
+{
+    QString lf = replaceAll(text, u"\r\n", u"\n");
+    lf.replace(QChar::ParagraphSeparator, u'\n');
+    lf.replace(QChar::LineSeparator, u'\n');
+    return replaceAll(lf, u"\n", u"\r\n");
+}
+
+double leadingNumber(QStringView text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && text.at(i) == u' ')
+        ++i;
+    const qsizetype start = i;
+    if (i < text.size() && (text.at(i) == u'-' || text.at(i) == u'+'))
+        ++i;
+    bool point = false;
+    while (i < text.size() && (text.at(i).isDigit() || (text.at(i) == u'.' && !point))) {
+        point = point || text.at(i) == u'.';
+        ++i;
+    }
+    bool ok = false;
+    const double value = text.mid(start, i - start).toDouble(&ok);
+    return ok ? value : 0;
+}
+
 } // namespace fenwork

@@ -17,6 +17,14 @@ QString trimRightBlanks(const QString &text);
 // quadratic on a file of many megabytes.
 QString replaceAll(const QString &text, QStringView before, QStringView after);
 
+// The text with every line ending as CR LF, the store's line end: LF, CR LF and the paragraph
+// and line separators of a text widget's selection all become CR LF.
+QString crlfLines(const QString &text);
+
+// The number a text box starts with, as the old spin boxes read it: blanks skipped, a sign,
+// digits and one decimal point; 0 when there is none.
+double leadingNumber(QStringView text);
+
 // Colours are kept as 0xBBGGRR integers throughout the core.
 constexpr int bgr(int r, int g, int b) { return (b << 16) | (g << 8) | r; }
 

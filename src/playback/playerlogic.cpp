@@ -1,6 +1,7 @@
 #include "playback/playerlogic.h"
 
 #include "frame/language.h"
+#include "frame/strutil.h"
 #include "playback/playprep.h"
 
 #include <QRegularExpression>
@@ -21,24 +22,6 @@ double tempoSoundFactor(const QString &tuneText)
 int shownTempo(const QString &nominalTempo, int percent)
 {
     return int(std::lround(leadingNumber(nominalTempo) * percent / 100.0));
-}
-
-double leadingNumber(QStringView text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text.at(i) == u' ')
-        ++i;
-    const qsizetype start = i;
-    if (i < text.size() && (text.at(i) == u'-' || text.at(i) == u'+'))
-        ++i;
-    bool point = false;
-    while (i < text.size() && (text.at(i).isDigit() || (text.at(i) == u'.' && !point))) {
-        point = point || text.at(i) == u'.';
-        ++i;
-    }
-    bool ok = false;
-    const double value = text.mid(start, i - start).toDouble(&ok);
-    return ok ? value : 0;
 }
 
 int clampPitch(const QString &text, bool *rewrite)

@@ -29,8 +29,6 @@ constexpr int masterVolume(int slider)
 {
     return slider * 42 - 3000;
 }
-// The number at the start of a text box: blanks skipped, a sign, digits, one decimal point.
-double leadingNumber(QStringView text);
 // A half-tone count typed in the pitch box, held to -12..12. `rewrite` is set when the box must
 // show the clamped value.
 int clampPitch(const QString &text, bool *rewrite = nullptr);

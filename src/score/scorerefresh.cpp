@@ -25,14 +25,6 @@ const QString kPostScript = QStringLiteral("tmp.ps");
 const QString kFirstPage = QStringLiteral("tmp1.bmp");
 constexpr double kWaitLimit = 2000;
 
-QString withCrLf(const QString &text)
-{
-    QString result = text;
-    result.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    result.replace(u'\n', CRLF);
-    return result;
-}
-
 bool writeBytes(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
@@ -125,7 +117,7 @@ ScoreOutcome ScoreRefresher::PartitionRefresh(
     const QString cache = tools.cacheFolder();
 
     // The text as the tool reads it: UTF-8, unless the header asks for Latin-1.
-    QString text = withCrLf(scoreText(source));
+    QString text = crlfLines(scoreText(source));
     if (!text.endsWith(CRLF))
         text += CRLF;
     const TextEncoding encoding = headerDeclaresLatin1(text) ? TextEncoding::Latin1 : TextEncoding::Utf8;

@@ -2,6 +2,7 @@
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
+#include "frame/strutil.h"
 #include "frame/language.h"
 #include "frame/settings.h"
 #include "frame/userdialogs.h"
@@ -29,20 +30,6 @@ const QString kMainForm = QStringLiteral("MainForm");
 const QString kTTText = QStringLiteral("TTText");
 const QString kMsg = QStringLiteral("Msg");
 constexpr int kGmCount = 128;
-
-// The number at the start of the box, blanks skipped: "3 up" is 3, "" and "-" are 0.
-int leadingInt(const QString &text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text.at(i) == u' ')
-        ++i;
-    const qsizetype start = i;
-    if (i < text.size() && (text.at(i) == u'-' || text.at(i) == u'+'))
-        ++i;
-    while (i < text.size() && text.at(i).isDigit() && i - start < 9)
-        ++i;
-    return text.mid(start, i - start).toInt();
-}
 
 QString voiceName(const char *base, int voice)
 {
@@ -361,13 +348,13 @@ void DronePanel::scr_drone_Change(int voice, int volume)
 
 void DronePanel::pitchTextChanged(const QString &text)
 {
-    m_drone->setPitch(leadingInt(text));
+    m_drone->setPitch(int(qBound(-1e9, leadingNumber(text), 1e9)));
     showState();
 }
 
 void DronePanel::stepPitch(int step)
 {
-    m_pitchDrone->setText(QString::number(leadingInt(m_pitchDrone->text()) + step));
+    m_pitchDrone->setText(QString::number(int(qBound(-1e9, leadingNumber(m_pitchDrone->text()), 1e9)) + step));
 }
 
 void DronePanel::droneNameEdited(const QString &text)

@@ -43,13 +43,6 @@ QColor fromBgr(int bgr)
     return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
 }
 
-QString toCrLf(QString text)
-{
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    text.replace(QChar::LineSeparator, u'\n');
-    return replaceAll(text, u"\n", u"\r\n");
-}
-
 // The place in an LF text of a place in the same text with CR LF line ends.
 qsizetype lfPosition(const QString &crlfText, qsizetype position)
 {
@@ -66,15 +59,15 @@ qsizetype lfPosition(const QString &crlfText, qsizetype position)
 PlayerHost PlayerHost::forEditor(QPlainTextEdit *editor)
 {
     PlayerHost host;
-    host.text = [editor] { return toCrLf(editor->toPlainText()); };
-    host.selectedText = [editor] { return toCrLf(editor->textCursor().selectedText()); };
+    host.text = [editor] { return crlfLines(editor->toPlainText()); };
+    host.selectedText = [editor] { return crlfLines(editor->textCursor().selectedText()); };
     host.caret = [editor] {
         const QTextCursor cursor = editor->textCursor();
         // Every line before the caret's gains a CR.
         return qsizetype(cursor.position() + cursor.block().blockNumber());
     };
     host.select = [editor](qsizetype start, qsizetype length) {
-        const QString text = toCrLf(editor->toPlainText());
+        const QString text = crlfLines(editor->toPlainText());
         QTextCursor cursor = editor->textCursor();
         cursor.setPosition(int(lfPosition(text, start)));
         cursor.setPosition(int(lfPosition(text, start + length)), QTextCursor::KeepAnchor);
@@ -446,7 +439,7 @@ void PlayerPanel::txt_midi_Change(int index, const QString &text)
     if (!m_boxes[index]->hasFocus())
         return;
     // In the tempo box too the number is a percent, although the box shows a tempo.
-    const int value = int(player::leadingNumber(text));
+    const int value = int(leadingNumber(text));
     QSlider *slider = m_sliders[index];
     if (value > slider->maximum())
         slider->setValue(slider->maximum());
