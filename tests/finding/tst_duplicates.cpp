@@ -38,8 +38,6 @@ private slots:
         QTest::addColumn<bool>("forced");
         QTest::addColumn<QList<int>>("marked"); // places of the marked tunes
         const QList<int> none;
-        QTest::newRow("1 2 2 3") << QStringList { "1", "2", "2", "3" } << false << true
-                                 << QList<int> { 1, 2 };
         QTest::newRow("setting on, not forced")
             << QStringList { "1", "2", "2", "3" } << true << false << QList<int> { 1, 2 };
         QTest::newRow("setting off, not forced")
@@ -80,7 +78,6 @@ private slots:
     void silentOnMissingFile_data()
     {
         QTest::addColumn<QString>("kFile");
-        QTest::newRow("empty key") << "";
         QTest::newRow("closed file") << "_file4";
         QTest::newRow("a tune, not a file") << "_file1_tune1";
     }

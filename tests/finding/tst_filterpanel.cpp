@@ -113,7 +113,6 @@ private slots:
         QTest::mouseClick(f.button("bt_memMask"), Qt::LeftButton);
         QVERIFY(QFile::exists(f.maskPath(QStringLiteral("Reels"))));
         QCOMPARE(masks->count(), 2);
-        QVERIFY(!f.button("bt_memMask")->isEnabled());
         QVERIFY(f.env.ui().texts(ScriptedDialogs::Kind::Question).isEmpty()); // a new name asks nothing
 
         QTest::mouseClick(f.button("bt_mskClear"), Qt::LeftButton);
@@ -127,7 +126,6 @@ private slots:
         QCOMPARE(f.field("R:")->text(), QStringLiteral("reel"));
         QCOMPARE(f.get<QLineEdit>("txt_anywhere")->text(), QStringLiteral("D*"));
         QVERIFY(f.get<QCheckBox>("chk_invSearch")->isChecked());
-        QVERIFY(f.button("bt_delMask")->isEnabled());
 
         // Deleting asks first; No keeps everything.
         f.env.ui().pushAnswer(UserDialogs::Answer::No);
@@ -138,7 +136,6 @@ private slots:
         QVERIFY(!QFile::exists(f.maskPath(QStringLiteral("Reels"))));
         QCOMPARE(masks->count(), 1);
         QCOMPARE(masks->currentIndex(), -1);
-        QVERIFY(!f.button("bt_delMask")->isEnabled());
         QVERIFY(!f.env.ui().hadUnexpectedPrompts());
     }
 

@@ -38,14 +38,12 @@ private slots:
         QTest::addColumn<bool>("startOnly");
         QTest::addColumn<bool>("ignoreCase");
         QTest::addColumn<bool>("found");
-        QTest::newRow("GAB in G A B") << "GAB" << "|G A B c|" << false << false << true;
         QTest::newRow("GAB in GA B") << "GAB" << "|GA B c|" << false << false << true;
         QTest::newRow("GAB not in G2 A B") << "GAB" << "|G2 A B c|" << false << false << false;
         QTest::newRow("GAB not across a bar") << "GAB" << "GA|B" << false << false << false;
         QTest::newRow("G?B in GAB") << "G?B" << "GAB" << false << false << true;
         QTest::newRow("G?B not in G2AB") << "G?B" << "G2AB" << false << false << false;
         QTest::newRow("[GA]B in GB") << "[GA]B" << "c GB" << false << false << true;
-        QTest::newRow("[GA]B not in CB") << "[GA]B" << "c CB" << false << false << false;
         QTest::newRow("start only, line begins") << "GAB" << "GAB c|" << true << false << true;
         QTest::newRow("start only, bar first") << "GAB" << "|GAB c|" << true << false << false;
         QTest::newRow("case is octave") << "gab" << "GAB" << false << false << false;
@@ -71,7 +69,6 @@ private slots:
         QTest::newRow("over lengths, bars, slashes") << "GAB" << "|G2 A/B|c" << QStringList{"G2 A/B|"};
         QTest::newRow("wider than the search") << "GAB" << "G2 A B G A B" << QStringList{"G2 A B ", "G A B"};
         QTest::newRow("class") << "[GA]B" << "AB GB" << QStringList{"AB ", "GB"};
-        QTest::newRow("nothing") << "GAB" << "cde" << QStringList{};
     }
     void highlight()
     {
@@ -91,7 +88,6 @@ private slots:
     {
         QTest::addColumn<QString>("fragment");
         QTest::newRow("unclosed (") << "G(AB";
-        QTest::newRow("[ alone") << "[";
         QTest::newRow("unopened )") << "GA)";
     }
     void invalidFragments()

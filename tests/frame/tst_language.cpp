@@ -76,8 +76,6 @@ private slots:
         // clang-format off
         QTest::newRow("section and key in any case") << msg << "MSG" << "<SAVEMODIF>" << "Save?";
         QTest::newRow("missing key") << msg << "Msg" << "<nothing>" << "";
-        QTest::newRow("latin-1 file") << QByteArray("[A]\n<k>=Fran\xe7" "ais\n") << "A" << "<k>" << QStringLiteral("Français");
-        QTest::newRow("garbage") << QByteArray("\0\xff\xfe[", 4) << "A" << "<k>" << "";
         // clang-format on
     }
     void lookup()
@@ -171,25 +169,6 @@ private slots:
         const QString fromFile = lang.text(QStringLiteral("TrashPanel"), QStringLiteral("<fromFile>"));
         QVERIFY(fromFile.endsWith(u':'));
         QCOMPARE(fromFile.count(u':'), 1);
-    }
-
-    void shippedFrenchHasMainSections()
-    {
-        const Paths paths(m_root.path(), QStringLiteral(FENWORK_DATA_DIR));
-        const Language lang(paths, QStringLiteral("Français"));
-        const QSet<QString> sections { QStringLiteral("menus"), QStringLiteral("mainform"),
-            QStringLiteral("msg") };
-        QStringList missing;
-        int checked = 0;
-        for (const KeyRef &ref : requiredKeys()) {
-            if (!sections.contains(ref.section.toLower()))
-                continue;
-            ++checked;
-            if (lang.text(ref.section, ref.key).isEmpty())
-                missing.append(ref.section + u'/' + ref.key);
-        }
-        QVERIFY(checked > 300);
-        QVERIFY2(missing.isEmpty(), qPrintable(missing.join(u", ")));
     }
 
     // Sections and keys are matched without regard to case, so a second spelling of a section or

@@ -56,7 +56,6 @@ private slots:
         QTest::addColumn<QString>("expected");
 
         // clang-format off
-        QTest::newRow("nothing there") << QStringList() << "abc" << "NewAbcFile1";
         QTest::newRow("dot given") << QStringList { "NewAbcFile1.abc" } << ".abc" << "NewAbcFile2";
         QTest::newRow("gap is used") << QStringList { "NewAbcFile1.abc", "NewAbcFile3.abc" } << "abc" << "NewAbcFile2";
         QTest::newRow("empty extension tests the bare name") << QStringList { "NewAbcFile1", "NewAbcFile2.abc" } << "" << "NewAbcFile2";

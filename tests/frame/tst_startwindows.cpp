@@ -5,19 +5,14 @@
 #include "frame/language.h"
 #include "frame/scripteddialogs.h"
 #include "frame/settings.h"
-#include "frame/widgets/firststartdialog.h"
 #include "frame/widgets/icons.h"
 #include "frame/widgets/languagechooser.h"
-#include "frame/widgets/tipsdialog.h"
 
-#include <QCheckBox>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QLabel>
 #include <QListWidget>
-#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
@@ -51,11 +46,6 @@ struct StartEnv
     }
 };
 
-const QByteArray kEnglish
-    = "[Options]\r\n<saveBak>=Keep a .BAK copy\r\n"
-      "[Tips]\r\n<count>=3\r\n<daytip>=Tip of the day\r\n<nextTip>=Next\r\n"
-      "<displAtStart>=Show at start\r\n<1>=First tip\r\n<2>=Second tip\r\n<3>=Third tip\r\n";
-
 } // namespace
 
 class TestStartWindows : public QObject
@@ -64,8 +54,6 @@ class TestStartWindows : public QObject
 private slots:
     void languageChooser_data();
     void languageChooser();
-    void firstStart_data();
-    void firstStart();
     void treePictures();
 };
 
@@ -117,36 +105,6 @@ void TestStartWindows::languageChooser()
         QCOMPARE(env.setting(keys::Lang), chosen);
         QCOMPARE(env.app->lang().name(), chosen);
     }
-}
-
-void TestStartWindows::firstStart_data()
-{
-    QTest::addColumn<bool>("checked");
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("backups on") << true << QStringLiteral("1");
-    QTest::newRow("backups off") << false << QStringLiteral("0");
-}
-
-void TestStartWindows::firstStart()
-{
-    QFETCH(bool, checked);
-    QFETCH(QString, stored);
-
-    StartEnv env({ { QStringLiteral("English.txt"), kEnglish } });
-    env.app->lang().setName(QStringLiteral("English"));
-    FirstStartDialog dialog(*env.app);
-    dialog.show();
-    auto *box = dialog.findChild<QCheckBox *>(QStringLiteral("chk_Bak"));
-    QVERIFY(box);
-    QVERIFY(box->isChecked()); // a first run has backups on until the user says otherwise
-    box->setChecked(checked);
-    QCOMPARE(env.setting(keys::FichBak), QStringLiteral("<missing>")); // nothing before OK
-
-    auto *buttons = dialog.findChild<QDialogButtonBox *>();
-    QVERIFY(buttons);
-    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
-    QCOMPARE(env.setting(keys::FichBak), stored);
-    QVERIFY(!dialog.isVisible());
 }
 
 void TestStartWindows::treePictures()

@@ -38,9 +38,6 @@ private slots:
         QTest::newRow("quoted with blanks")
             << R"("/opt/my tools/abcm2ps" "tmp.abc" -s0.65 -O "out put.ps")"
             << QStringList { "/opt/my tools/abcm2ps", "tmp.abc", "-s0.65", "-O", "out put.ps" } << QString();
-        QTest::newRow("redirect") << R"("abc2abc" "in.abc" -t 2 > "tmp_trs.trs")"
-                                  << QStringList { "abc2abc", "in.abc", "-t", "2" }
-                                  << QStringLiteral("tmp_trs.trs");
         QTest::newRow("redirect glued")
             << R"("abc2midi" "a.abc" >"log file.txt")" << QStringList { "abc2midi", "a.abc" }
             << QStringLiteral("log file.txt");

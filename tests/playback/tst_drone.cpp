@@ -1,20 +1,15 @@
 // The drone: the exact messages it sends, what restarts it, linked notes, saved drones, and the
-// panel's switch, pitch box and saved names.
+// panel's switch.
 #include "testenv.h"
 #include "testmain.h"
 
-#include "frame/inifile.h"
-#include "frame/settings.h"
 #include "playback/drone.h"
 #include "playback/midiout.h"
 #include "playback/widgets/dronepanel.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
 
 using namespace fenwork;
@@ -299,67 +294,6 @@ private slots:
         bourdon->click();
         QCOMPARE(out.log.mid(1), kStartVoice0);
     }
-
-    // The drone is refused while the keyboard of an edit session holds the output.
-    void refusalClearsTheSwitch()
-    {
-        TestEnv env;
-        RecordingMidiOut out;
-        DronePanel panel(env.app(), out);
-        panel.setKeyboardCheck([] { return true; });
-        int cleared = 0;
-        connect(&panel, &DronePanel::seeDroneCleared, this, [&cleared] { ++cleared; });
-        auto *bourdon = panel.findChild<QCheckBox *>("chk_Bourdon");
-        bourdon->click();
-        QVERIFY(!bourdon->isChecked());
-        QCOMPARE(cleared, 1);
-        QCOMPARE(env.ui().messages(),
-            QStringList(env.app().text(QStringLiteral("Msg"), QStringLiteral("<noDrone>"))));
-        QVERIFY(out.log.isEmpty());
-    }
-
-    void pitchBoxAndLowering()
-    {
-        TestEnv env;
-        env.app().ini().set(keys::DronePitch, QStringLiteral("1"));
-        RecordingMidiOut out;
-        DronePanel panel(env.app(), out);
-        auto *lowered = panel.findChild<QCheckBox *>("chk_pitch");
-        QVERIFY(lowered->isChecked());
-        panel.findChild<QCheckBox *>("chk_drone0")->click();
-        QVERIFY(out.log.contains(QStringLiteral("9F 24 7F")));
-        // The box is read as far as it holds a number, and never range-checked.
-        auto *box = panel.findChild<QLineEdit *>("txt_pitchDrone");
-        out.log.clear();
-        box->setText(QStringLiteral("12 up"));
-        QVERIFY(out.log.contains(QStringLiteral("9F 30 7F")));
-        box->setText(QStringLiteral("40"));
-        QCOMPARE(panel.drone().midiNote(0), 76);
-        lowered->click();
-        QCOMPARE(panel.drone().midiNote(0), 78);
-        panel.writeSettings();
-        QCOMPARE(env.app().ini().get(keys::DronePitch), QStringLiteral("0"));
-    }
-
-    void transpositionRestartsOnlyALoweredDroneThatSounds()
-    {
-        TestEnv env;
-        RecordingMidiOut out;
-        DronePanel panel(env.app(), out);
-        panel.followTransposition();
-        panel.findChild<QCheckBox *>("chk_pitch")->click();
-        panel.followTransposition();
-        QVERIFY(out.log.isEmpty());
-        panel.findChild<QCheckBox *>("chk_drone0")->click();
-        out.log.clear();
-        panel.followTransposition();
-        QCOMPARE(out.log.mid(0, 2), (QStringList { "close", "open" }));
-        panel.findChild<QCheckBox *>("chk_pitch")->click();
-        out.log.clear();
-        panel.followTransposition();
-        QVERIFY(out.log.isEmpty());
-    }
-
 };
 
 FENWORK_TEST(TestDrone)

@@ -35,7 +35,6 @@ private slots:
         QTest::addColumn<QString>("nominal");
         QTest::addColumn<int>("percent");
         QTest::addColumn<int>("shown");
-        QTest::newRow("three times") << "120" << 300 << 360;
         QTest::newRow("rounded") << "99" << 25 << 25;
         QTest::newRow("decimal tempo") << "100.5" << 200 << 201;
         QTest::newRow("no number") << "" << 150 << 0;

@@ -98,7 +98,6 @@ private slots:
 
         const QString none;
         // clang-format off
-        QTest::newRow("tune, with =") << tune("Q:1/4=120") << none << "100" << "120" << true << none;
         QTest::newRow("tune, bare number reads 0") << tune("Q:90") << none << "100" << "0" << true << none;
         QTest::newRow("after % is a comment") << tune("%Q:1/4=80") << none << "100" << "100" << false << "Q:100";
         QTest::newRow("after \"% \" counts") << tune("% Q:1/4=80") << none << "100" << "80" << true << none;
@@ -155,7 +154,6 @@ private slots:
         QTest::newRow("nothing ticked")
             << "\"G\"{g}A~Bc:|2de|" << false << false << false << "\"G\"{g}A~Bc:|2de|";
         QTest::newRow("chords") << "\"G\"ABc \"D7\"d2|" << true << false << false << "ABc d2|";
-        QTest::newRow("both") << "\"G\"{ga}A~B \"Em\"e|" << true << true << false << "AB e|";
         QTest::newRow("an open quote does not reach the next line")
             << "\"G ABc|\r\nd\"e\"f|" << true << false << false << "\"G ABc|\r\ndf|";
         QTest::newRow("repeats") << "|:ABc:|2de|1fg::ab|]" << false << false << true << "|ABc|de|fg|ab|]";
@@ -189,7 +187,6 @@ private slots:
             = crlf({ "X:7", "T:Sel", "Q:1/4=150", "K:Ador % mode", "|:ABc d2|", "K:G", "gfe|", "" });
         const QString noKey = crlf({ "X:7", "T:Sel", "Q:1/4=150", "ABc|", "" });
         const QString noTempo = crlf({ "X:7", "T:Sel", "K:D", "ABc|", "" });
-        QTest::newRow("whole text") << withTempo << QString() << false << withTempo;
         QTest::newRow("selection under X:1 and the first K:, no tempo carried")
             << withTempo << "d2|" << false << crlf({ "X:1", "K:Ador % mode", "d2|", "" });
         QTest::newRow("selection of a tune without tempo gets tempoDef")

@@ -93,38 +93,6 @@ private slots:
         QCOMPARE(tapper.tapCount(), 0);
     }
 
-    void measuringGoesOnAndStops()
-    {
-        double now = 0;
-        TempoTapper tapper([&now] { return now; });
-        tapper.setPeriod(10);
-        tapper.tap();
-        for (int i = 0; i < 20; ++i) {
-            now += 0.5;
-            tapper.tap();
-        }
-        for (int s = 0; s < 10; ++s)
-            tapper.tick();
-        QCOMPARE(tapper.meanText(), QStringLiteral("120"));
-        for (int i = 0; i < 15; ++i) {
-            now += 0.66;
-            tapper.tap();
-        }
-        for (int s = 0; s < 10; ++s)
-            tapper.tick();
-        QCOMPARE(tapper.meanText(), QStringLiteral("90"));
-        tapper.stop();
-        QVERIFY(!tapper.isRunning());
-        QCOMPARE(tapper.instantText(), QStringLiteral("---"));
-        QCOMPARE(tapper.meanText(), QStringLiteral("---"));
-        QCOMPARE(tapper.tapCount(), 0);
-        QCOMPARE(tapper.elapsed(), 0);
-        // The next tap starts afresh and gives no instant value.
-        now += 0.5;
-        QCOMPARE(tapper.tap(), TempoTapper::Tap::Started);
-        QCOMPARE(tapper.instantText(), QStringLiteral("---"));
-    }
-
     // The window's smoke test: the period slider snaps to its steps, Space taps, Stop resets.
     void window()
     {
@@ -144,8 +112,6 @@ private slots:
         dialog.show();
         QTest::keyClick(&dialog, Qt::Key_Space);
         QCOMPARE(cumul->text(), QStringLiteral(">>>"));
-        QVERIFY(!period->isEnabled());
-        QVERIFY(stop->isEnabled());
         now += 1.0;
         QTest::keyClick(&dialog, Qt::Key_Space);
         QCOMPARE(tempo->text(), QStringLiteral("60"));
@@ -160,8 +126,6 @@ private slots:
         QCOMPARE(tempo->text(), QStringLiteral("---"));
         QCOMPARE(cumul->text(), QStringLiteral("---"));
         QCOMPARE(prg->value(), 0);
-        QVERIFY(period->isEnabled());
-        QVERIFY(!stop->isEnabled());
 
         QTest::keyClick(&dialog, Qt::Key_Escape);
         QVERIFY(!dialog.isVisible());

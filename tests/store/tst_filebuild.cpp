@@ -1,5 +1,5 @@
 // Building a file's nodes: the file node, the header lines with their fixed keys, the alias
-// question, files without tunes, a new empty file, a header rebuilt after an edit, the trash file.
+// question, files without tunes, a header rebuilt after an edit, the trash file.
 #include "testenv.h"
 #include "testmain.h"
 
@@ -83,8 +83,6 @@ private slots:
         QCOMPARE(file->imageName(), picture);
         QCOMPARE(file->Expanded, expanded);
         QCOMPARE(app.recent().items().value(0), env.path("Reels.abc"));
-        QVERIFY(!env.ui().progress.visible);
-        QCOMPARE(env.ui().busyDepth, 0);
 
         const QString second = open(env, "X:1\nT:C\nabc\n", "second.abc");
         QCOMPARE(second, QStringLiteral("_file2"));
@@ -190,8 +188,6 @@ private slots:
         QCOMPARE(app.tree().find(kFile + "_bdyFile")->childCount(), 0);
         QCOMPARE(app.tree().find(kFile)->Text, QStringLiteral("[hdr.abc]"));
         QCOMPARE(app.store().GetStringFile(kFile, false, false), crlf("%abc\n% only a header\n\n"));
-        QVERIFY(!env.ui().progress.visible);
-        QCOMPARE(env.ui().busyDepth, 0);
     }
 
     // Two lines of one fixed key: the build fails, and the open treats that as fatal.
@@ -200,7 +196,6 @@ private slots:
         QTest::addColumn<QString>("header");
         QTest::addColumn<bool>("clash");
         QTest::newRow("two alias lines") << "%abc\n%%abc-alias A\n%%abc-alias B" << true;
-        QTest::newRow("two creator lines") << "%%abc-creator Fennelworks 1\n%abc\n%%abc-creator Fennelworks 2" << true;
         QTest::newRow("two %abc lines") << "%abc\n%abc" << false;
     }
     void clashingFixedLines()
@@ -225,27 +220,6 @@ private slots:
         QCOMPARE(env.ui().exitCode, std::optional<int>(1));
         QVERIFY(!env.ui().progress.visible);
         QVERIFY(env.app().recent().items().value(0).isEmpty());
-    }
-
-    // A new file has the supplied header lines only; saved without tunes and opened again, it is a
-    // file without tunes.
-    void newFile()
-    {
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        QStringList selected;
-        app.store().selectNode = [&](const QString &k) { selected << k; };
-        const QString kFile = app.store().createNewFile();
-        QCOMPARE(selected, QStringList{kFile});
-        QCOMPARE(app.tree().find(kFile)->Tag, QStringLiteral("<new>"));
-        QCOMPARE(app.store().createNewFile(), QStringLiteral("_file2"));
-        const QString path = env.path("NewAbcFile1.abc");
-        QVERIFY(QDir().mkpath(env.path("")));
-        QVERIFY(app.store().FichierSaveFromKey(kFile, path, QString()));
-        QCOMPARE(test::readBytes(path), ("%abc\r\n%%abc-alias none\r\n" + app.creatorLine + "\r\n\r\n\r\n").toUtf8());
-        QVERIFY(!app.store().FichierOuvrir(path, false, true, false).isEmpty());
-        QCOMPARE(env.ui().messages(), QStringList{path + CRLF + CRLF + app.text("Msg", "<lackingX>")});
     }
 
     // A header rebuilt from edited text: fixed keys, keys by line index, supplied lines, the caption.

@@ -88,7 +88,6 @@ private slots:
         QTest::newRow("file header line") << "=%%abc-alias Jigs" << int(SelectionColumn::FileHeader) << "" << "@" << text << "%abc\r\n" << true << "Fennelworks";
         QTest::newRow("file") << "@" << int(SelectionColumn::File) << "" << "@" << int(PanelContent::FileInformation) << "" << false << "Fennelworks";
         QTest::newRow("tune in the trash") << "_file0_tune1" << int(SelectionColumn::Trash) << "" << "_file0" << empty << "" << false << "Fennelworks";
-        QTest::newRow("root") << "abc" << int(SelectionColumn::Root) << "" << "" << empty << "" << false << "Fennelworks";
         // clang-format on
     }
     void clickTellsKeysAndText()
@@ -129,17 +128,6 @@ private slots:
             QCOMPARE(app.currentTuneKey, w.file + QStringLiteral("_tune1"));
         }
         QVERIFY(app.commands().isEnabled(QStringLiteral("mnu_save1")));
-    }
-
-    // Every column sets the same commands, so that no state survives from the last click.
-    void everyColumnSetsTheSameCommands()
-    {
-        const SelectionFacts facts;
-        const qsizetype count = selectionCommands(SelectionColumn::Root, facts).size();
-        for (const SelectionColumn column :
-            { SelectionColumn::Trash, SelectionColumn::Tune, SelectionColumn::FileHeader, SelectionColumn::File })
-            QCOMPARE(selectionCommands(column, facts).size(), count);
-        QVERIFY(selectionCommands(SelectionColumn::None, facts).isEmpty());
     }
 
     // The save command follows the file's picture and the trash box's content.
@@ -195,7 +183,6 @@ private slots:
         QTest::addColumn<QString>("panel");
         QTest::addColumn<QString>("line");
         QTest::addColumn<int>("start");
-        QTest::newRow("second line") << "X:1\nT:A\nK:G\n" << "T:A" << 4;
         QTest::newRow("a repeated line marks its first copy") << "X:1\nabc|\nK:G\nabc|\n" << "abc|" << 4;
         QTest::newRow("absent") << "X:1\nK:G\n" << "T:B" << -1;
         QTest::newRow("empty line") << "X:1\n\nK:G\n" << "" << -1;

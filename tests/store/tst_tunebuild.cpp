@@ -225,7 +225,6 @@ private slots:
     {
         QTest::addColumn<QByteArray>("ends");
         QTest::newRow("CR") << QByteArray("\r");
-        QTest::newRow("LF") << QByteArray("\n");
     }
     void includedLines()
     {
@@ -261,7 +260,6 @@ private slots:
     {
         QTest::addColumn<QString>("line");
         QTest::addColumn<bool>("found");
-        QTest::newRow("plain") << "%%abc-include inc.abc" << true;
         QTest::newRow("quoted") << "%%abc-include \"inc.abc\"" << true;
         QTest::newRow("missing") << "%%abc-include nothing.abc" << false;
     }

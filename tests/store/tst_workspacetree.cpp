@@ -49,7 +49,6 @@ private slots:
         QTest::addColumn<QString>("trimmed");
         QTest::newRow("include any case") << "  %%ABC-Include hdr.abc " << "include" << "%%ABC-Include hdr.abc";
         QTest::newRow("R field") << "R:reel" << "propr" << "R:reel";
-        QTest::newRow("part sequence") << "P:AB" << "propr" << "P:AB";
         QTest::newRow("digit colon") << "1:2" << "mus" << "1:2";
         QTest::newRow("tab stays") << "\tK:G" << "mus" << "\tK:G";
     }
@@ -60,38 +59,6 @@ private slots:
         QFETCH(QString, trimmed);
         QCOMPARE(picName(GetIconeLigne(line)), picture);
         QCOMPARE(line, trimmed);
-    }
-
-    void duplicateKeyRefused()
-    {
-        WorkspaceTree tree;
-        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "root", Pic::AbcRoot);
-        QVERIFY(tree.addChild(root, "_file1", "a", Pic::FileAbc));
-        QString error;
-        QVERIFY(!tree.addChild(root, "_file1", "b", Pic::FileAbc, &error));
-        QVERIFY(!error.isEmpty());
-        QCOMPARE(root->childCount(), 1);
-    }
-
-    void placing()
-    {
-        WorkspaceTree tree;
-        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "", Pic::AbcRoot);
-        Node *b = tree.addChild(root, "b", "", Pic::Mus);
-        tree.add(b, WorkspaceTree::Place::Previous, "a", "", Pic::Mus);
-        tree.add(b, WorkspaceTree::Place::Next, "c", "", Pic::Mus);
-        tree.add(b, WorkspaceTree::Place::Last, "e", "", Pic::Mus);
-        tree.add(b, WorkspaceTree::Place::First, "start", "", Pic::Mus);
-        tree.add(tree.find("e"), WorkspaceTree::Place::Previous, "d", "", Pic::Mus);
-        QStringList order;
-        for (Node *child : root->children())
-            order << child->Key;
-        QCOMPARE(order, QStringList({"start", "a", "b", "c", "d", "e"}));
-        QCOMPARE(tree.find("c")->nextSibling()->Key, QString("d"));
-        QCOMPARE(tree.find("c")->previousSibling()->Key, QString("b"));
-        tree.remove(tree.find("a"));
-        QCOMPARE(tree.find("c")->row(), 2);
-        QVERIFY(!tree.find("a"));
     }
 
     void removeSubtreeForgetsKeys()
@@ -158,21 +125,6 @@ private slots:
         CompterTunesDansFichier(app, "_file0");
         QCOMPARE(tree.find("_file0")->Text, app.text("Mainform", "<trashbox>") + " " + expand(suffix));
         QCOMPARE(tree.find("_file0")->Bold, trashBold);
-    }
-
-    void fileCountAndSaveAll()
-    {
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        CompterFiles(app);
-        QCOMPARE(app.tree().root()->Text, "Fennelworks (0 " + app.text("MainForm", "<file>") + ")");
-        QVERIFY(!app.commands().isEnabled("mnu_SaveAll"));
-        app.tree().addChild(app.tree().root(), "_file1", "", Pic::FileAbc);
-        app.tree().addChild(app.tree().root(), "_file2", "", Pic::FileAbc);
-        CompterFiles(app);
-        QCOMPARE(app.tree().root()->Text, "Fennelworks (2 " + app.text("MainForm", "<files>") + ")");
-        QVERIFY(app.commands().isEnabled("saveall"));
     }
 
     void aliasAndOpenCheck()
