@@ -5,7 +5,7 @@ set -euo pipefail
 
 PACKAGES=(
   build-essential cmake pkg-config ccache
-  qt6-base-dev qt6-base-dev-tools libqt6svg6 breeze-icon-theme
+  qt6-base-dev qt6-base-dev-tools libqt6svg6 breeze-icon-theme qt6-translations-l10n
   libgs-dev ghostscript
   abcm2ps abcmidi
   libfluidsynth-dev timgm6mb-soundfont

@@ -99,6 +99,22 @@ QStringList Language::available() const
     return names;
 }
 
+QLocale languageLocale(const QString &name)
+{
+    if (name.isEmpty())
+        return QLocale::c();
+    for (int code = QLocale::AnyLanguage + 1; code <= QLocale::LastLanguage; ++code) {
+        const auto language = QLocale::Language(code);
+        const QLocale locale(language);
+        if (locale.language() != language)
+            continue; // no locale data for it
+        if (locale.nativeLanguageName().compare(name, Qt::CaseInsensitive) == 0
+            || QLocale::languageToString(language).compare(name, Qt::CaseInsensitive) == 0)
+            return locale;
+    }
+    return QLocale::c();
+}
+
 QString Language::text(const QString &section, const QString &key, const QString &def) const
 {
     if (m_name.isEmpty())

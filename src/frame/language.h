@@ -1,4 +1,5 @@
 #pragma once
+#include <QLocale>
 #include <QString>
 #include <QStringList>
 #include <memory>
@@ -30,5 +31,9 @@ private:
     struct Parsed;
     mutable std::shared_ptr<Parsed> m_parsed;
 };
+
+// The locale a language file's name stands for, named in its own tongue ("Français") or in
+// English ("French"), without regard to case; the C locale when no language has that name.
+QLocale languageLocale(const QString &name);
 
 } // namespace fenwork

@@ -4,9 +4,15 @@
 
 #include "frame/inifile.h"
 #include "frame/settings.h"
+#include "frame/widgets/startup.h"
+
+#include <QApplication>
+#include <QListWidget>
+#include <QTimer>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -54,6 +60,21 @@ bool waitUntilReady(const QString &root)
             return true;
         }
         QTest::qWait(100);
+    }
+    return false;
+}
+
+// The process catches SIGTERM once its start has installed the handler (bit 15 of SigCgt).
+bool catchesTermination(qint64 pid)
+{
+    for (int i = 0; i < 300; ++i) {
+        QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+        if (status.open(QIODevice::ReadOnly)) {
+            for (const QByteArray &line : status.readAll().split('\n'))
+                if (line.startsWith("SigCgt:") && (line.mid(7).trimmed().toULongLong(nullptr, 16) & (1ULL << (SIGTERM - 1))))
+                    return true;
+        }
+        QTest::qWait(20);
     }
     return false;
 }
@@ -169,6 +190,92 @@ private slots:
         QCOMPARE(program.state(), QProcess::Running);
         QVERIFY(quit(program));
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    }
+
+    // A new account: no ~/.local/share yet, no settings. The start makes the user root with its
+    // parents, asks the language, then shows the first-run window; a termination there ends the
+    // start without taking it for an answer.
+    void freshHomeReachesFirstRunWindow()
+    {
+        QTemporaryDir home;
+        test::EnvGuard homeVar("HOME", home.path().toUtf8());
+        test::EnvGuard rootVar("FENNELWORKS_ROOT", QByteArray());
+        test::EnvGuard dataVar("XDG_DATA_HOME", QByteArray());
+        QStringList seen;
+        QTimer driver;
+        driver.setInterval(20);
+        QObject::connect(&driver, &QTimer::timeout, [&] {
+            QWidget *modal = QApplication::activeModalWidget();
+            if (!modal || seen.contains(modal->objectName()))
+                return;
+            seen << modal->objectName();
+            if (auto *list = modal->findChild<QListWidget *>(QStringLiteral("lst_lang")))
+                QTest::keyClick(list, Qt::Key_Return);
+            else
+                ::raise(SIGTERM);
+        });
+        driver.start();
+        const int code = Main({ QStringLiteral("fenwork") });
+        driver.stop();
+
+        QCOMPARE(code, 0);
+        QCOMPARE(seen, (QStringList { "f_lg", "f_firststart" }));
+        const QString root = home.filePath(QStringLiteral(".local/share/Fennelworks"));
+        QVERIFY(QFileInfo(root).isDir());
+        const IniFile ini(root + QStringLiteral("/fenwork.ini"));
+        QCOMPARE(ini.get(keys::Lang), QStringLiteral("English"));
+        QCOMPARE(ini.getValue(keys::FichBak.sectionName(), keys::FichBak.keyName(), QStringLiteral("unset")),
+                 QStringLiteral("unset"));
+    }
+
+    // Logout, kill or timeout while a window waits for an answer: the program ends at once, and
+    // once its main window is up it still writes the session back.
+    void terminationWhileAWindowWaits_data()
+    {
+        QTest::addColumn<QByteArray>("settings"); // empty: a fresh home, no settings at all
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("mainWindow"); // the window waits after the main window's load
+
+        const QByteArray quiet = "[General]\nlang=English\nFichBak=0\nshowTips=0\ncheckNewVersion=0\n";
+        QTest::newRow("language chooser, fresh home") << QByteArray() << QStringList() << false;
+        QTest::newRow("first-run window") << QByteArray("[General]\nlang=English\n") << QStringList() << false;
+        QTest::newRow("tips window")
+            << QByteArray("[General]\nlang=English\nFichBak=0\ncheckNewVersion=0\n") << QStringList() << true;
+        QTest::newRow("message box") << quiet << QStringList { QStringLiteral("/nonexistent/tune.abc") } << true;
+    }
+    void terminationWhileAWindowWaits()
+    {
+        QFETCH(QByteArray, settings);
+        QFETCH(QStringList, arguments);
+        QFETCH(bool, mainWindow);
+        QTemporaryDir home;
+        const QString root = home.filePath(QStringLiteral(".local/share/Fennelworks"));
+        if (!settings.isEmpty()) {
+            QVERIFY(QDir().mkpath(root));
+            QFile ini(root + QStringLiteral("/fenwork.ini"));
+            QVERIFY(ini.open(QIODevice::WriteOnly));
+            ini.write(settings);
+        }
+        QProcess program;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove(QStringLiteral("FENNELWORKS_ROOT"));
+        env.remove(QStringLiteral("XDG_DATA_HOME"));
+        env.insert(QStringLiteral("HOME"), home.path());
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        program.setProcessEnvironment(env);
+        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        program.start(programPath(), arguments);
+        QVERIFY(program.waitForStarted());
+        QVERIFY(catchesTermination(program.processId()));
+        if (mainWindow)
+            QVERIFY(waitUntilReady(root));
+        ::kill(pid_t(program.processId()), SIGTERM);
+        QVERIFY2(program.waitForFinished(10000), "still running after SIGTERM");
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 0);
+        QVERIFY(QFileInfo(root).isDir());
+        const IniFile ini(root + QStringLiteral("/fenwork.ini"));
+        QCOMPARE(ini.get(keys::Version).isEmpty(), !mainWindow);
     }
 };
 

@@ -479,6 +479,27 @@ private slots:
         }
     }
 
+    // Ended by the system (logout, kill): nothing is asked, the text being edited is kept for
+    // the next start's recovery, and the changed file is not written behind the user's back.
+    void terminationKeepsTheEditedText()
+    {
+        Window w;
+        w.select(w.tuneKey(1));
+        mnu_cutTune(w.app()); // a cut tune and a changed file would each ask a question
+        w.select(w.tuneKey(2));
+        w.key(Qt::Key_F5);
+        w.moveToEnd();
+        QTest::keyClicks(w.editor(), QStringLiteral("zq"));
+        const QString path = w.env.path(QStringLiteral("reels.abc"));
+        const QByteArray before = test::readBytes(path);
+        w.ui().clear();
+        w.window->quitWithoutQuestions();
+        QVERIFY(!w.window->isVisible());
+        QVERIFY(w.ui().texts(ScriptedDialogs::Kind::Question).isEmpty());
+        QVERIFY(test::readAll(w.app().paths().recoverFile()).endsWith(QStringLiteral("zq")));
+        QCOMPARE(test::readBytes(path), before);
+    }
+
     // A killed process leaves its last recovery copy behind, and the next start offers it.
     void crashLeavesRecovery()
     {

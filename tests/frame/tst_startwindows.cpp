@@ -5,16 +5,30 @@
 #include "frame/language.h"
 #include "frame/scripteddialogs.h"
 #include "frame/settings.h"
+#include "frame/widgets/firststartdialog.h"
 #include "frame/widgets/icons.h"
 #include "frame/widgets/languagechooser.h"
+#include "frame/widgets/qttranslation.h"
+#include "frame/widgets/unixsignals.h"
 
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QEventLoop>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <csignal>
 #include <memory>
 
 using namespace fenwork;
@@ -54,6 +68,12 @@ class TestStartWindows : public QObject
 private slots:
     void languageChooser_data();
     void languageChooser();
+    void firstStartWindow_data();
+    void firstStartWindow();
+    void toolkitButtonsSpeakTheLanguage_data();
+    void toolkitButtonsSpeakTheLanguage();
+    void terminationEndsModalLoops_data();
+    void terminationEndsModalLoops();
     void treePictures();
 };
 
@@ -107,6 +127,137 @@ void TestStartWindows::languageChooser()
     }
 }
 
+void TestStartWindows::firstStartWindow_data()
+{
+    QTest::addColumn<bool>("untick");
+    QTest::addColumn<QString>("how"); // ok, close (the title bar's X), esc, terminate
+    QTest::addColumn<QString>("stored"); // FichBak afterwards
+
+    QTest::newRow("OK keeps backups on") << false << "ok" << "1";
+    QTest::newRow("OK after unticking") << true << "ok" << "0";
+    QTest::newRow("title bar X keeps the default") << false << "close" << "1";
+    QTest::newRow("Esc keeps the default") << false << "esc" << "1";
+    QTest::newRow("a termination is no answer") << false << "terminate" << "<missing>";
+}
+
+void TestStartWindows::firstStartWindow()
+{
+    QFETCH(bool, untick);
+    QFETCH(QString, how);
+    QFETCH(QString, stored);
+
+    StartEnv env({ { QStringLiteral("English.txt"), QByteArray("[Options]\n<saveBak>=Keep a copy\n") } });
+    env.app->lang().setName(QStringLiteral("English"));
+    FirstStartDialog first(*env.app);
+    first.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&first));
+    auto *bak = first.findChild<QCheckBox *>(QStringLiteral("chk_Bak"));
+    QVERIFY(bak);
+    QVERIFY(bak->isChecked());
+    if (untick)
+        bak->click();
+    if (how == u"ok")
+        first.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
+    else if (how == u"close")
+        first.close();
+    else if (how == u"esc")
+        QTest::keyClick(&first, Qt::Key_Escape);
+    else {
+        first.setModal(true);
+        closeModalWindows();
+    }
+    QVERIFY(!first.isVisible());
+    QCOMPARE(env.setting(keys::FichBak), stored);
+}
+
+void TestStartWindows::toolkitButtonsSpeakTheLanguage_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QStringList>("buttons"); // Yes, No, Cancel, Close
+
+    const QStringList french { "&Oui", "&Non", "Annuler", "Fermer" };
+    const QStringList english { "&Yes", "&No", "Cancel", "Close" };
+    QTest::newRow("Français") << "Français" << french;
+    QTest::newRow("named in any case") << "FRANÇAIS" << french;
+    QTest::newRow("named in English") << "French" << french;
+    QTest::newRow("English") << "English" << english;
+    QTest::newRow("no such language") << "Elvish runes" << english;
+    QTest::newRow("none chosen") << "" << english;
+}
+
+void TestStartWindows::toolkitButtonsSpeakTheLanguage()
+{
+    QFETCH(QString, language);
+    QFETCH(QStringList, buttons);
+    if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_fr.qm")))
+        QSKIP("Qt's translations are not installed (qt6-translations-l10n)");
+
+    // French first, so that each row also shows the earlier language gives way.
+    QVERIFY(installQtTranslation(QStringLiteral("Français")));
+    installQtTranslation(language);
+    QMessageBox box(QMessageBox::Question, QString(), QString(),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel | QMessageBox::Close);
+    const QStringList shown { box.button(QMessageBox::Yes)->text(), box.button(QMessageBox::No)->text(),
+        box.button(QMessageBox::Cancel)->text(), box.button(QMessageBox::Close)->text() };
+    installQtTranslation(QString());
+    QCOMPARE(shown, buttons);
+}
+
+void TestStartWindows::terminationEndsModalLoops_data()
+{
+    QTest::addColumn<QString>("window");
+    QTest::newRow("Yes/No box") << "question";
+    QTest::newRow("dialog") << "dialog";
+    QTest::newRow("pop-up menu") << "menu";
+    QTest::newRow("box opened on the signal itself") << "late box";
+}
+
+void TestStartWindows::terminationEndsModalLoops()
+{
+    QFETCH(QString, window);
+
+    UnixSignals watch;
+    bool returned = false;
+    bool returnedBeforeReady = false;
+    const auto open = [&] {
+        if (window == u"menu") {
+            QMenu menu;
+            menu.addAction(QStringLiteral("Item"));
+            menu.exec(QPoint(10, 10));
+        } else if (window == u"dialog") {
+            QDialog dialog;
+            dialog.exec();
+        } else {
+            QMessageBox box(QMessageBox::Question, QString(), QStringLiteral("Sure?"),
+                QMessageBox::Yes | QMessageBox::No);
+            box.exec();
+        }
+        returned = true;
+    };
+    // Stands for the program's main loop; the windows open in loops nested in it.
+    QEventLoop mainLoop;
+    int ready = 0;
+    connect(&watch, &UnixSignals::readyToQuit, &mainLoop, [&] {
+        if (ready++ == 0)
+            returnedBeforeReady = returned;
+        mainLoop.quit();
+    });
+    if (window == u"late box") {
+        connect(&watch, &UnixSignals::terminationRequested, &mainLoop, open);
+        QTimer::singleShot(0, [] { ::raise(SIGTERM); });
+    } else {
+        QTimer::singleShot(0, open);
+        QTimer::singleShot(100, [] { ::raise(SIGTERM); });
+    }
+    QTimer::singleShot(10000, &mainLoop, &QEventLoop::quit);
+    mainLoop.exec();
+    QVERIFY(watch.wasRequested());
+    QVERIFY(returned);
+    // The quit may only start once the code that opened the window has its answer.
+    QVERIFY(returnedBeforeReady);
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
 void TestStartWindows::treePictures()
 {
     // Every picture the tree names must load (the SVG plugin is there, the file parses) and
@@ -131,6 +282,8 @@ void TestStartWindows::treePictures()
              { "filero", "filerom" }, { "tune", "tunem" } })
         QVERIFY2(image(QString::fromLatin1(plain)) != image(QString::fromLatin1(marked)), marked);
     QVERIFY(pictureIcon(QStringLiteral("nosuchpicture"), program).isNull());
+    // The score's picture when there is nothing to engrave.
+    QVERIFY(!QImage(program + QStringLiteral("/img/blank_std.bmp")).isNull());
 }
 
 FENWORK_TEST(TestStartWindows)

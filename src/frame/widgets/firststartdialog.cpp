@@ -65,10 +65,21 @@ FirstStartDialog::FirstStartDialog(AppContext &ctx, QWidget *parent)
     setMinimumWidth(380);
 }
 
-void FirstStartDialog::okClicked()
+void FirstStartDialog::keepChoice()
 {
     m_ctx.ini().set(keys::FichBak, m_bak->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+void FirstStartDialog::okClicked()
+{
+    keepChoice();
     accept();
+}
+
+void FirstStartDialog::reject()
+{
+    keepChoice();
+    QDialog::reject();
 }
 
 } // namespace fenwork

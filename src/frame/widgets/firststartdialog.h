@@ -14,7 +14,12 @@ class FirstStartDialog : public QDialog
 public:
     explicit FirstStartDialog(AppContext &ctx, QWidget *parent = nullptr);
 
+protected:
+    // The title bar's X and Esc keep what the box shows, so that the question is not asked again.
+    void reject() override;
+
 private:
+    void keepChoice();
     void okClicked();
 
     AppContext &m_ctx;

@@ -49,6 +49,9 @@ public:
     void openHandedOver(const QString &path);
     // The quit sequence: asks about unsaved files and writes the session. False: cancelled.
     bool Form_Unload();
+    // The quit sequence when the system ends the program: nothing is asked, a running edit
+    // leaves its recovery copy, and the session is written back as at any quit.
+    void quitWithoutQuestions();
     // Ctrl+W: the text panel alone in the window, or the panels back.
     void bt_editMax_Click();
 
@@ -100,6 +103,7 @@ private:
     MainStatusBar *m_status = nullptr;
     KeptSettings m_kept;
     bool m_quitting = false;
+    bool m_unattended = false;
     bool m_editMax = false;
 };
 

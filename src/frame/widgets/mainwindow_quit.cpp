@@ -2,6 +2,7 @@
 // the program ends, and the text panel given the whole window.
 #include "frame/widgets/mainwindow.h"
 
+#include "editing/editsession.h"
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
 #include "frame/appcontext.h"
@@ -22,6 +23,7 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QSplitter>
+#include <QTimer>
 
 namespace fenwork {
 
@@ -81,18 +83,25 @@ bool MainWindow::Form_Unload()
     IniFile &ini = m_app.ini();
     const bool reset = ini.get(keys::NbFiles) == u"x";
     const QString quitConfirm = m_app.text(kMsg, QStringLiteral("<quitConfirm>"));
-    if (m_edit->isEditing()) {
+    if (m_unattended) {
+        // Nobody is there to answer: the text being edited goes to the recovery copy, which the
+        // next start offers, and no file is written without the user's word.
+        if (m_edit->isEditing()) {
+            m_edit->session().recoveryTimer()->stop();
+            m_edit->session().writeRecovery();
+        }
+    } else if (m_edit->isEditing()) {
         if (ui.question(m_app.text(kMsg, QStringLiteral("<editCur>")) + CRLF + CRLF + quitConfirm)
             != UserDialogs::Answer::Yes)
             return false;
         m_edit->abandonRecovery();
     }
-    if (cutTuneNotPasted(m_app)
+    if (!m_unattended && cutTuneNotPasted(m_app)
         && ui.question(m_app.text(kMsg, QStringLiteral("<clipNotSaved>")) + CRLF + CRLF + quitConfirm)
             != UserDialogs::Answer::Yes)
         return false;
 
-    for (const QString &kFile : changedFileKeys(m_app)) {
+    for (const QString &kFile : m_unattended ? QStringList() : changedFileKeys(m_app)) {
         const Node *file = m_app.tree().find(kFile);
         if (!file)
             continue;
@@ -130,6 +139,14 @@ void MainWindow::closeEvent(QCloseEvent *event)
     } else {
         event->ignore();
     }
+}
+
+void MainWindow::quitWithoutQuestions()
+{
+    if (m_quitting)
+        return;
+    m_unattended = true;
+    close();
 }
 
 void MainWindow::bt_editMax_Click()

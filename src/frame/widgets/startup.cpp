@@ -12,6 +12,7 @@
 #include "frame/widgets/languagechooser.h"
 #include "frame/widgets/mainwindow.h"
 #include "frame/widgets/progressstrip.h"
+#include "frame/widgets/qttranslation.h"
 #include "frame/widgets/splashwindow.h"
 #include "frame/widgets/tipsdialog.h"
 #include "frame/widgets/unixsignals.h"
@@ -43,16 +44,17 @@ QString reopen(MainWindow &window, const QString &path)
 
 int Main(const QStringList &arguments)
 {
+    // Installed first, so that a termination during a slow start still ends in an orderly way:
+    // each start-up window gives way, and the start stops there.
+    UnixSignals signalsWatch;
     WidgetDialogs dialogs;
     const Paths paths = Paths::fromEnvironment();
-    // Only the last level is made: a missing parent means a wrong setup, and is said so.
-    if (!QFileInfo(paths.userRoot()).isDir() && !QDir().mkdir(paths.userRoot())) {
+    // With its parents: on a new account even ~/.local/share may not exist yet.
+    if (!QFileInfo(paths.userRoot()).isDir() && !QDir().mkpath(paths.userRoot())) {
         dialogs.contextError(QStringLiteral("MAIN"), QStringLiteral("Can't create the folder ") + paths.userRoot());
         return 1;
     }
     AppContext app(paths, &dialogs);
-    // Installed early, so that a termination during a slow start still ends in an orderly quit.
-    UnixSignals signalsWatch;
     IniFile &ini = app.ini();
     setupIconTheme();
 
@@ -60,12 +62,17 @@ int Main(const QStringList &arguments)
         const QString chosen = LanguageChooser::choose(app);
         if (!chosen.isEmpty())
             app.lang().setName(chosen);
+        if (signalsWatch.wasRequested())
+            return 0;
     }
+    installQtTranslation(app.lang().name());
     app.buildStartupTexts();
 
     if (ini.getValue(keys::FichBak.sectionName(), keys::FichBak.keyName(), {}).isEmpty()) {
         FirstStartDialog first(app);
         first.exec();
+        if (signalsWatch.wasRequested())
+            return 0;
     }
 
     const QString commandLine = cleanCommandLinePath(commandLineText(arguments));
@@ -81,6 +88,8 @@ int Main(const QStringList &arguments)
     }
 
     offerRecovery(app, [](const QString &path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
+    if (signalsWatch.wasRequested())
+        return 0;
 
     QApplication::processEvents();
     auto *splash = new SplashWindow;
@@ -94,7 +103,6 @@ int Main(const QStringList &arguments)
     splash->deleteLater();
 
     QObject::connect(&instance, &SingleInstance::pathReceived, &window, &MainWindow::openHandedOver);
-    QObject::connect(&signalsWatch, &UnixSignals::terminationRequested, &window, &QWidget::close);
 
     QString lastKey;
     if (!commandLine.isEmpty()) {
@@ -131,8 +139,16 @@ int Main(const QStringList &arguments)
     // The version check runs here once it exists; nothing is fetched at start until then.
 
     QApplication::setQuitOnLastWindowClosed(true);
-    if (signalsWatch.wasRequested() && window.close())
+    if (signalsWatch.wasRequested()) {
+        window.quitWithoutQuestions();
         return 0;
+    }
+    // Only once the code that opened a box has had its answer: quitting from inside it would
+    // pull the window from under that code.
+    QObject::connect(&signalsWatch, &UnixSignals::readyToQuit, &window, [&window] {
+        window.quitWithoutQuestions();
+        QCoreApplication::quit();
+    });
     return QApplication::exec();
 }
 
