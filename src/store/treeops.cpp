@@ -179,4 +179,22 @@ void createWorkspaceRoot(AppContext &app)
     body->Bold = true;
 }
 
+QString statusCaption(const WorkspaceTree &tree, const QString &key)
+{
+    const Node *node = tree.find(key);
+    if (!node)
+        return {};
+    const Node *file = nullptr;
+    const Node *tune = nullptr;
+    for (const Node *n = node; n && n->parent(); n = n->parent()) {
+        if (!n->parent()->parent())
+            file = n;
+        else if (n->parent()->Key.endsWith(key::BdyFile))
+            tune = n;
+    }
+    if (!file)
+        return node->Text; // the root
+    return tune ? file->Text + QStringLiteral(" \u203a ") + tune->Text : file->Text;
+}
+
 } // namespace fenwork

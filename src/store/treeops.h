@@ -66,4 +66,8 @@ int openFileCount(const AppContext &app);
 // Makes the root and the empty trash box nodes.
 void createWorkspaceRoot(AppContext &app);
 
+// What the status bar says of a node: the file's caption and, inside a tune, the tune's, for
+// the keys themselves mean nothing to a user. Empty for an unknown key.
+QString statusCaption(const WorkspaceTree &tree, const QString &key);
+
 } // namespace fenwork

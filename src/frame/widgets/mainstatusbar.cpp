@@ -18,6 +18,15 @@ public:
         elide();
     }
 
+    // Asks for room for the whole text, not for what the last elision left of it.
+    QSize sizeHint() const override
+    {
+        const QMargins m = contentsMargins();
+        return { fontMetrics().horizontalAdvance(m_path) + m.left() + m.right() + 2 * margin(),
+            QLabel::sizeHint().height() };
+    }
+    QSize minimumSizeHint() const override { return { 0, QLabel::minimumSizeHint().height() }; }
+
 protected:
     void resizeEvent(QResizeEvent *event) override
     {
@@ -39,22 +48,24 @@ private:
 MainStatusBar::MainStatusBar(QWidget *parent)
     : QStatusBar(parent)
     , m_file(new PathLabel(this))
-    , m_key(new QLabel(this))
+    , m_node(new PathLabel(this))
     , m_version(new QLabel(this))
 {
     setObjectName(QStringLiteral("stBar"));
     m_file->setObjectName(QStringLiteral("kfich"));
-    m_key->setObjectName(QStringLiteral("ktree"));
+    m_node->setObjectName(QStringLiteral("ktree"));
     m_version->setObjectName(QStringLiteral("kversion"));
-    for (QLabel *label : { m_file, m_key, m_version }) {
+    for (QLabel *label : { m_file, m_node, m_version }) {
         label->setTextFormat(Qt::PlainText);
         label->setContentsMargins(4, 0, 4, 0);
     }
     m_file->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_file->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_key->setForegroundRole(QPalette::PlaceholderText);
+    m_node->setForegroundRole(QPalette::PlaceholderText);
+    // A long title gives way before it crowds out the file's path.
+    m_node->setMaximumWidth(m_node->fontMetrics().averageCharWidth() * 64);
     addWidget(m_file, 1);
-    addPermanentWidget(m_key);
+    addPermanentWidget(m_node);
     addPermanentWidget(m_version);
 }
 
@@ -64,9 +75,9 @@ void MainStatusBar::setFilePath(const QString &path)
     static_cast<PathLabel *>(m_file)->setPath(path);
 }
 
-void MainStatusBar::setTreeKey(const QString &key)
+void MainStatusBar::setNodeCaption(const QString &caption)
 {
-    m_key->setText(key);
+    static_cast<PathLabel *>(m_node)->setPath(caption);
 }
 
 void MainStatusBar::setVersionText(const QString &text)

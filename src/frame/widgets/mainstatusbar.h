@@ -5,7 +5,7 @@ class QLabel;
 
 namespace fenwork {
 
-// The status bar `stBar`: the current file's path (`kfich`), the selected node's key (`ktree`) and
+// The status bar `stBar`: the current file's path (`kfich`), what is selected in the tree (`ktree`) and
 // the program's version (`kversion`).
 class MainStatusBar : public QStatusBar
 {
@@ -15,13 +15,14 @@ public:
 
     void setFilePath(const QString &path);
     QString filePath() const { return m_path; }
-    void setTreeKey(const QString &key);
+    // The file and tune captions of the selected node.
+    void setNodeCaption(const QString &caption);
     void setVersionText(const QString &text);
 
 private:
     QString m_path;
     QLabel *m_file;
-    QLabel *m_key;
+    QLabel *m_node;
     QLabel *m_version;
 };
 

@@ -358,7 +358,7 @@ void MainWindow::NodeClick(const QString &key)
     if (m_edit && m_edit->isEditing())
         return;
     tree()->selectKey(key, false);
-    m_status->setTreeKey(key);
+    m_status->setNodeCaption(statusCaption(m_app.tree(), key));
     const NodeSelection selection = describeNodeClick(m_app, key);
     if (selection.column == SelectionColumn::None)
         return;

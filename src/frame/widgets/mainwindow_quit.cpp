@@ -51,8 +51,9 @@ void MainWindow::applyGeometry()
     const QSize size(qBound(640, g.frame.width(), qMax(640, avail.width())),
         qBound(480, g.frame.height(), qMax(480, avail.height())));
     resize(size);
-    move(qBound(avail.left(), g.frame.x(), qMax(avail.left(), avail.right() - 100)),
-        qBound(avail.top(), g.frame.y(), qMax(avail.top(), avail.bottom() - 100)));
+    // Whole on the screen: a place kept from a larger screen must not push the window off it.
+    move(qBound(avail.left(), g.frame.x(), qMax(avail.left(), avail.left() + avail.width() - size.width())),
+        qBound(avail.top(), g.frame.y(), qMax(avail.top(), avail.top() + avail.height() - size.height())));
     const int panelX = qBound(200, g.panelX, qMax(200, size.width() - 200));
     m_splitX->setSizes({ panelX, size.width() - panelX });
     // The player takes no more than it can use; what it leaves goes to the tabs.
