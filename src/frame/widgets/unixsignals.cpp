@@ -13,7 +13,7 @@
 namespace fenwork {
 
 namespace {
-int g_pipe[2] = {-1, -1};
+int g_pipe[2] = { -1, -1 };
 
 // Often enough that a box opened after the termination is gone before anyone sees it.
 constexpr int kWatchInterval = 50;
@@ -43,7 +43,8 @@ void closeModalWindows()
     }
 }
 
-UnixSignals::UnixSignals(QObject *parent) : QObject(parent)
+UnixSignals::UnixSignals(QObject *parent)
+    : QObject(parent)
 {
     if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_pipe) != 0)
         return;
