@@ -54,16 +54,6 @@ QByteArray lines(int count, const QByteArray &end = "\r\n")
     return text;
 }
 
-QString writeMask(const Paths &paths, const QString &name, const QByteArray &bytes)
-{
-    QDir().mkpath(maskFolder(paths));
-    const QString path = QDir(maskFolder(paths)).filePath(name);
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-    return path;
-}
-
 } // namespace
 
 class TestMasks : public QObject
