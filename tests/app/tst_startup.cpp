@@ -130,9 +130,12 @@ private slots:
         ini.set(keys::NbFiles, QStringLiteral("2"));
         ini.writeValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), root.filePath(QStringLiteral("gone.abc")));
         ini.writeValue(QStringLiteral("OpenFiles"), QStringLiteral("OF2"), tune);
+        // The click on the first tune ends the start-up: its score text shows when it is over.
+        ini.set(keys::SelFirstTune, QStringLiteral("1"));
         QProcess program;
         startProgram(program, root.path());
         QVERIFY(waitUntilReady(root.path()));
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(root.filePath(QStringLiteral("user/cache/tmp.abc"))), 60000);
         QVERIFY(quit(program));
         QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
         QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), tune);
