@@ -3,8 +3,10 @@
 // buffer comes on top of that (about 23 ms with the default period size).
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"
+#include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
+#include "frame/settings.h"
 #include "playback/midiplayer.h"
 #include "playback/synthengine.h"
 #include "playback/widgets/playerpanel.h"
@@ -16,6 +18,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -40,7 +43,11 @@ int main(int argc, char **argv)
     app.lang().setName(QStringLiteral("English"));
     app.buildStartupTexts();
     createWorkspaceRoot(app);
-    const QString kFile = app.store().FichierOuvrir(QStringLiteral(FENWORK_SAMPLE), false, true, true);
+    // A copy, without a backup copy: a bench writes nothing outside its temporary folder.
+    app.ini().set(keys::FichBak, QStringLiteral("0"));
+    const QString sample = root.filePath(QStringLiteral("sample.abc"));
+    QFile::copy(QStringLiteral(FENWORK_SAMPLE), sample);
+    const QString kFile = app.store().FichierOuvrir(sample, false, true, true);
     const Node *body = app.tree().find(kFile + key::BdyFile);
     if (!body) {
         std::fprintf(stderr, "bench_playback: cannot open the sample tunebook\n");

@@ -99,6 +99,12 @@ int main(int argc, char **argv)
             own.write(kOwnTune);
     }
 
+    // Work on a copy, without a backup copy: a bench writes nothing beside the tunes it reads.
+    app.ini().set(keys::FichBak, QStringLiteral("0"));
+    const QString copy = root.filePath(QStringLiteral("tunes.abc"));
+    if (file != copy && QFile::copy(file, copy))
+        file = copy;
+
     MainWindow window(app);
     window.MainLoad();
     window.resize(1280, 800);

@@ -45,12 +45,12 @@ std::optional<FileStamp> stampOf(const QString &path)
 // File times tick coarsely: a file changed twice within one tick keeps its stamp. A stamp is
 // trusted only once it is clearly older than the moment it was taken; until then the bytes are
 // compared as well.
-bool isSettled(const FileStamp &stamp)
+bool isSettled(const FileStamp &stamp, int settleMs)
 {
     timespec now {};
     clock_gettime(CLOCK_REALTIME, &now);
     const qint64 nowNs = qint64(now.tv_sec) * 1000000000 + now.tv_nsec;
-    return nowNs - qMax(stamp.mtimeNs, stamp.ctimeNs) > 2000000000LL;
+    return nowNs - qMax(stamp.mtimeNs, stamp.ctimeNs) > qint64(settleMs) * 1000000;
 }
 
 std::optional<QByteArray> readFile(const QString &path)
@@ -141,7 +141,7 @@ QString Language::text(const QString &section, const QString &key, const QString
             m_parsed = std::move(parsed);
         }
         m_parsed->stamp = *stamp;
-        m_parsed->settled = isSettled(*stamp);
+        m_parsed->settled = isSettled(*stamp, m_settleMs);
     }
     const auto found = m_parsed->values.constFind(IniFile::valueKey(section, key));
     return found == m_parsed->values.constEnd() ? def : found.value();

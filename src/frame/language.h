@@ -24,9 +24,14 @@ public:
     // The text of a key, at most 254 characters; `def` when missing (callers pass empty).
     QString text(const QString &section, const QString &key, const QString &def = {}) const;
 
+    // How long a file must have been left alone before its file times alone are trusted; far
+    // longer than the file system's time tick.
+    void setSettleTime(int ms) { m_settleMs = ms; }
+
 private:
     const Paths &m_paths;
     QString m_name;
+    int m_settleMs = 2000;
     // The parsed file, checked against the file on disk at every lookup.
     struct Parsed;
     mutable std::shared_ptr<Parsed> m_parsed;

@@ -119,7 +119,7 @@ QString specialFolder(int number)
     return folder + u'/';
 }
 
-QString uniqueName(const QString &base, const QString &extension, const QString &folder)
+QString uniqueName(const QString &base, const QString &extension, const QString &folder, int last)
 {
     QString ext = extension;
     if (!ext.isEmpty() && !ext.startsWith(u'.'))
@@ -127,8 +127,7 @@ QString uniqueName(const QString &base, const QString &extension, const QString 
     QString dir = QDir::fromNativeSeparators(folder);
     if (!dir.isEmpty() && !dir.endsWith(u'/'))
         dir += u'/';
-    // The count was a 16-bit number: past its range there is no free name to give.
-    for (int n = 1; n <= 32766; ++n) {
+    for (int n = 1; n <= last; ++n) {
         const QString name = base + QString::number(n);
         if (!QFileInfo::exists(dir + name + ext))
             return name;

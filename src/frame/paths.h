@@ -38,8 +38,9 @@ enum SpecialFolder { SF_Documents = 5, SF_AppData = 26 };
 QString specialFolder(int number);
 
 // base + the first n from 1 for which folder/base+n+extension does not exist; the result has
-// no extension. An empty extension tests the bare name.
-QString uniqueName(const QString &base, const QString &extension, const QString &folder);
+// no extension. An empty extension tests the bare name. The count was a 16-bit number: past
+// `last` there is no free name to give, and the result is empty.
+QString uniqueName(const QString &base, const QString &extension, const QString &folder, int last = 32766);
 
 // Files kept by their bare name in one folder of the user root (masks, drones).
 // A name that can stand for such a file: no folder part, not "." or "..".

@@ -4,6 +4,7 @@
 
 #include "frame/inifile.h"
 #include "frame/settings.h"
+#include "frame/singleinstance.h"
 #include "frame/widgets/startup.h"
 
 #include <QApplication>
@@ -51,17 +52,18 @@ void startProgram(QProcess &process, const QString &root, const QStringList &arg
     process.start(programPath(), arguments);
 }
 
-// The window is up once its load made the user folders and the instance socket listens.
+// A hand-over of a path that is no file: the running program answers it from its event loop, so
+// an answer means that everything it was given before has been dealt with.
+bool answers(const QString &root)
+{
+    return SingleInstance(root).handOver(QStringLiteral("/nonexistent/readiness-probe"), 5000);
+}
+
+// The window is up once its load made the user folders and the program answers at its socket.
 bool waitUntilReady(const QString &root)
 {
-    for (int i = 0; i < 600; ++i) {
-        if (QDir(root + QStringLiteral("/user/drone")).exists()) {
-            QTest::qWait(300);
-            return true;
-        }
-        QTest::qWait(100);
-    }
-    return false;
+    return QTest::qWaitFor([&root] { return QDir(root + QStringLiteral("/user/drone")).exists(); }, 60000)
+        && QTest::qWaitFor([&root] { return answers(root); }, 60000);
 }
 
 // The process catches SIGTERM once its start has installed the handler (bit 15 of SigCgt).
@@ -127,7 +129,7 @@ private slots:
         startProgram(second, root.path(), {tune});
         QVERIFY(second.waitForFinished(10000));
         QCOMPARE(second.exitCode(), 0);
-        QTest::qWait(500);
+        QVERIFY(answers(root.path()));
         QVERIFY(quit(first));
         const IniFile ini(root.filePath(QStringLiteral("fenwork.ini")));
         QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
@@ -149,9 +151,12 @@ private slots:
         ini.set(keys::NbFiles, QStringLiteral("2"));
         ini.writeValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), root.filePath(QStringLiteral("gone.abc")));
         ini.writeValue(QStringLiteral("OpenFiles"), QStringLiteral("OF2"), tune);
+        // The click on the first tune ends the start-up: its score text shows when it is over.
+        ini.set(keys::SelFirstTune, QStringLiteral("1"));
         QProcess program;
         startProgram(program, root.path());
         QVERIFY(waitUntilReady(root.path()));
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(root.filePath(QStringLiteral("user/cache/tmp.abc"))), 60000);
         QVERIFY(quit(program));
         QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
         QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), tune);

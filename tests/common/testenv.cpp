@@ -16,8 +16,11 @@ TestEnv::TestEnv(const QString &language)
     qputenv("FENNELWORKS_ROOT", m_root.path().toUtf8());
     const Paths paths(m_root.path(), QStringLiteral(FENWORK_DATA_DIR));
     QDir().mkpath(paths.cacheFolder());
+    const IniFile ini(paths.settingsFile());
     if (!language.isEmpty())
-        IniFile(paths.settingsFile()).set(keys::Lang, language);
+        ini.set(keys::Lang, language);
+    // Whatever larger fonts the machine holds, what the tests hear is always the same.
+    ini.set(keys::SoundFont, testSoundFont());
     m_app = std::make_unique<AppContext>(paths, &m_ui);
     m_app->buildStartupTexts();
 }
@@ -36,8 +39,17 @@ QString TestEnv::writeFile(const QString &name, const QByteArray &bytes) const
 
 QString corpusDir()
 {
-    const QString dir = QStringLiteral(FENWORK_CORPUS_DIR);
+    // The environment may point elsewhere, or at nothing, to run the suite as a clone without it.
+    const QString dir = qEnvironmentVariableIsSet("FENWORK_CORPUS_DIR")
+        ? qEnvironmentVariable("FENWORK_CORPUS_DIR")
+        : QStringLiteral(FENWORK_CORPUS_DIR);
     return QFileInfo(dir).isDir() ? QDir(dir).canonicalPath() : QString();
+}
+
+QString testSoundFont()
+{
+    const QString font = QStringLiteral("/usr/share/sounds/sf2/TimGM6mb.sf2");
+    return QFileInfo(font).isReadable() ? font : QString();
 }
 
 QString testDataDir()

@@ -55,7 +55,10 @@ private:
 // (alias, backup copies) answered in the settings so that nothing waits for a person.
 std::unique_ptr<MainWindow> loadedMainWindow(TestEnv &env);
 
-QString corpusDir();      // ../shared/corpus, empty when absent
+QString corpusDir();      // ../shared/corpus or $FENWORK_CORPUS_DIR, empty when absent
+// The small General MIDI font that install-deps installs, empty when absent: tests that listen
+// render with it, since the program rightly prefers a larger one when the machine has it.
+QString testSoundFont();
 QString testDataDir();    // tests/
 QString readAll(const QString &path);
 QByteArray readBytes(const QString &path);

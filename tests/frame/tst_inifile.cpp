@@ -81,30 +81,6 @@ private slots:
         QCOMPARE(IniFile(m_path).getValue(section, key, QStringLiteral("default")), expected);
     }
 
-    // A garbage file is still a settings file: a write adds to it and is read back.
-    void readGarbage_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QByteArray binary;
-        for (int i = 0; i < 70000; ++i)
-            binary.append(char((i * 7919) % 256));
-        QTest::newRow("binary") << binary;
-        QTest::newRow("only brackets") << QByteArray(10000, '[');
-        QTest::newRow("empty") << QByteArray();
-    }
-    void readGarbage()
-    {
-        QFETCH(QByteArray, content);
-        writeFile(m_path, content);
-        const IniFile ini(m_path);
-        QCOMPARE(ini.getValue(QStringLiteral("General"), QStringLiteral("lang"), QStringLiteral("d")),
-            QStringLiteral("d"));
-        QCOMPARE(ini.writeValue(QStringLiteral("General"), QStringLiteral("lang"), QStringLiteral("English")),
-            QStringLiteral("1"));
-        QCOMPARE(ini.getValue(QStringLiteral("General"), QStringLiteral("lang"), QString()),
-            QStringLiteral("English"));
-    }
-
     // No folder, or a folder at the path: reads give the default, writes are lost and make nothing.
     void nowhereToWrite()
     {

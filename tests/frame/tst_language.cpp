@@ -64,31 +64,6 @@ private slots:
         m_paths = Paths(m_root.filePath(QStringLiteral("user")), m_root.filePath(QStringLiteral("program")));
     }
 
-    void lookup_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("expected");
-
-        // The parsing is the settings file's; these rows check what the catalogue adds.
-        const QByteArray msg = "[Msg]\r\n<prevInstance>=Already running\r\n<saveModif>=Save?\r\n";
-        // clang-format off
-        QTest::newRow("section and key in any case") << msg << "MSG" << "<SAVEMODIF>" << "Save?";
-        QTest::newRow("missing key") << msg << "Msg" << "<nothing>" << "";
-        // clang-format on
-    }
-    void lookup()
-    {
-        QFETCH(QByteArray, content);
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(QString, expected);
-        writeFile(m_paths.inProgram(QStringLiteral("lang/Test.txt")), content);
-        const Language lang(m_paths, QStringLiteral("Test"));
-        QCOMPARE(lang.text(section, key), expected);
-    }
-
     void changeIsSeenAtOnce()
     {
         const QString path = m_paths.inProgram(QStringLiteral("lang/Live.txt"));
@@ -130,8 +105,10 @@ private slots:
     {
         const QString path = m_paths.inProgram(QStringLiteral("lang/Settled.txt"));
         writeFile(path, "[Msg]\n<k>=one\n");
-        QTest::qSleep(2300);
-        const Language lang(m_paths, QStringLiteral("Settled"));
+        Language lang(m_paths, QStringLiteral("Settled"));
+        // Still well above the file system's time tick.
+        lang.setSettleTime(100);
+        QTest::qSleep(150);
         QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("one"));
         QCOMPARE(lang.text(QStringLiteral("Msg"), QStringLiteral("<k>")), QStringLiteral("one"));
 

@@ -44,33 +44,6 @@ QString passesDecode(QString text)
     return text;
 }
 
-QString passesEntityDecode(QString text)
-{
-    const QList<QPair<QString, QString>> basic = { { "&quot;", "\"" }, { "&#34;", "\"" }, { "&amp;", "&" },
-        { "&#38;", "&" }, { "&lt;", "<" }, { "&#60;", "<" }, { "&gt;", ">" }, { "&#62;", ">" } };
-    for (const auto &[before, after] : basic)
-        text.replace(before, after);
-    for (int code = 160; code <= 255; ++code) {
-        const QString letter { QChar(char16_t(code)) };
-        text.replace(code == 160 ? QStringLiteral("&nbsp;") : htmlEntityEncode(letter), letter);
-        text.replace(QStringLiteral("&#%1;").arg(code), letter);
-    }
-    return text;
-}
-
-QString passesEntityEncode(QString text)
-{
-    text.replace(QStringLiteral("\""), QStringLiteral("&quot;"));
-    text.replace(QStringLiteral("&"), QStringLiteral("&amp;"));
-    text.replace(QStringLiteral("<"), QStringLiteral("&lt;"));
-    text.replace(QStringLiteral(">"), QStringLiteral("&gt;"));
-    for (int code = 160; code <= 255; ++code) {
-        const QString letter { QChar(char16_t(code)) };
-        text.replace(letter, htmlEntityEncode(letter));
-    }
-    return text;
-}
-
 } // namespace
 
 class TestTextCodecs : public QObject
@@ -141,27 +114,6 @@ private slots:
             QCOMPARE(abcEscapeEncode(text), passesEncode(text));
             QCOMPARE(abcEscapeDecode(text), passesDecode(text));
         }
-    }
-
-    // Both entity conversions avoid running every pass over the whole text; on any text they
-    // must equal the ordered passes.
-    void entitySameAsOrderedPasses()
-    {
-        const QStringList tokens = { "&", "amp;", "#38;", "lt;", "quot;", "#34;", "eacute;", "#233;", "a",
-            ";", "#", "gt", "&amp;", "nbsp;", "#160;", "\"", "<", "é", "\u00a0" };
-        QRandomGenerator rng(7);
-        for (int round = 0; round < 3000; ++round) {
-            QString text;
-            const int length = rng.bounded(9);
-            for (int i = 0; i < length; ++i)
-                text += tokens.at(rng.bounded(int(tokens.size())));
-            QCOMPARE(htmlEntityDecode(text), passesEntityDecode(text));
-            QCOMPARE(htmlEntityEncode(text), passesEntityEncode(text));
-        }
-        // A stretch longer than the part the decoder looks at.
-        const QString longRun
-            = QStringLiteral("&amp;#38;eacute;") + QString(40, u'x') + QStringLiteral("&lt;");
-        QCOMPARE(htmlEntityDecode(longRun), passesEntityDecode(longRun));
     }
 
     void charset_data()

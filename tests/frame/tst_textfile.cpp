@@ -7,7 +7,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <unistd.h>
 
 using namespace fenwork;
 
@@ -130,19 +129,6 @@ private slots:
         QVERIFY(!read.ok);
         QVERIFY(!read.error.isEmpty());
         QVERIFY(read.text.isEmpty());
-    }
-
-    void readUnreadable()
-    {
-        if (::geteuid() == 0)
-            QSKIP("running as root: file permissions do not stop reading");
-        const QString path = m_dir.filePath(QStringLiteral("locked.abc"));
-        writeBytes(path, "X:1");
-        QVERIFY(QFile::setPermissions(path, QFileDevice::WriteOwner));
-        const TextFileResult read = readTextFile(path);
-        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        QVERIFY(!read.ok);
-        QVERIFY(!read.error.isEmpty());
     }
 
     void writeReplaces()

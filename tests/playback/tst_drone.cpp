@@ -5,9 +5,7 @@
 
 #include "playback/drone.h"
 #include "playback/midiout.h"
-#include "playback/widgets/dronepanel.h"
 
-#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -272,30 +270,5 @@ private slots:
 
 };
 
-class TestDronePanel : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void switchAndStop()
-    {
-        TestEnv env;
-        RecordingMidiOut out;
-        DronePanel panel(env.app(), out);
-        auto *voice0 = panel.findChild<QCheckBox *>("chk_drone0");
-        auto *bourdon = panel.findChild<QCheckBox *>("chk_Bourdon");
-        voice0->click(); // a voice clicked switches the drone on
-        QVERIFY(bourdon->isChecked());
-        QCOMPARE(out.log, kStartVoice0);
-        out.log.clear();
-        panel.stopDrone();
-        QVERIFY(!bourdon->isChecked());
-        QCOMPARE(out.log, QStringList { "close" });
-        bourdon->click();
-        QCOMPARE(out.log.mid(1), kStartVoice0);
-    }
-};
-
 FENWORK_TEST(TestDrone)
-FENWORK_TEST(TestDronePanel)
 #include "tst_drone.moc"

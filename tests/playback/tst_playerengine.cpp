@@ -1,6 +1,7 @@
 // The player engine heard through the synthesiser, rendered to memory: what sounds, how long, how
 // high and how loud, and what is left sounding after a stop.
 #include "audiocheck.h"
+#include "testenv.h"
 #include "testmain.h"
 
 #include "playback/midifileinfo.h"
@@ -26,6 +27,8 @@ constexpr int kFlute = 73;
 // An engine rendering to memory and its player.
 struct Rig
 {
+    Rig() { engine.setSoundFontSetting(testSoundFont()); }
+
     SynthEngine engine { SynthEngine::Mode::Offline };
     MidiPlayer player { engine };
     Sound sound;
@@ -60,7 +63,6 @@ private:
             file.write(bytes);
         return path;
     }
-    bool haveSoundFont() const { return !fenwork::chooseSoundFont(QString()).isEmpty(); }
 
 private slots:
     void initTestCase() { QVERIFY(m_dir.isValid()); }
@@ -68,8 +70,8 @@ private slots:
     void init()
     {
         const QByteArray test = QTest::currentTestFunction();
-        if (test != "midiFileInfo" && test != "chooseSoundFont" && !haveSoundFont())
-            QSKIP("no SoundFont installed");
+        if (test != "midiFileInfo" && test != "chooseSoundFont" && testSoundFont().isEmpty())
+            QSKIP("the small SoundFont of install-deps (timgm6mb-soundfont) is not installed");
     }
 
     void midiFileInfo_data()

@@ -93,43 +93,6 @@ private slots:
         QCOMPARE(tapper.tapCount(), 0);
     }
 
-    // The window's smoke test: the period slider snaps to its steps, Space taps, Stop resets.
-    void window()
-    {
-        test::TestEnv env;
-        double now = 1000.0;
-        TempoDialog dialog(env.app(), nullptr, [&now] { return now; });
-        auto *tempo = dialog.findChild<QLabel *>("lab_tempo");
-        auto *cumul = dialog.findChild<QLabel *>("lab_tempoCumul");
-        auto *prg = dialog.findChild<QProgressBar *>("prg");
-        auto *period = dialog.findChild<QSlider *>("sld_echantil");
-        auto *stop = dialog.findChild<QPushButton *>("bt_stop");
-        QVERIFY(tempo && cumul && prg && period && stop);
-        period->setValue(22); // between steps: snaps to 20
-        QCOMPARE(period->value(), 20);
-        QCOMPARE(prg->maximum(), 20);
-
-        dialog.show();
-        QTest::keyClick(&dialog, Qt::Key_Space);
-        QCOMPARE(cumul->text(), QStringLiteral(">>>"));
-        now += 1.0;
-        QTest::keyClick(&dialog, Qt::Key_Space);
-        QCOMPARE(tempo->text(), QStringLiteral("60"));
-        dialog.tm_cumul_Timer();
-        QCOMPARE(prg->value(), 1);
-
-        QTest::keyClick(&dialog, Qt::Key_Space); // same instant: a division by zero, reported
-        QCOMPARE(env.ui().messages().size(), 1);
-        QVERIFY(env.ui().lastMessage().contains(QStringLiteral("Division by zero")));
-
-        stop->click();
-        QCOMPARE(tempo->text(), QStringLiteral("---"));
-        QCOMPARE(cumul->text(), QStringLiteral("---"));
-        QCOMPARE(prg->value(), 0);
-
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QVERIFY(!dialog.isVisible());
-    }
 };
 
 FENWORK_TEST(TestTempoTapper)

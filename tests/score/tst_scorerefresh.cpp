@@ -222,7 +222,7 @@ private slots:
         QTest::addColumn<QString>("file");
         const QString corpus = corpusDir();
         if (corpus.isEmpty())
-            return;
+            QSKIP("the shared corpus is absent");
         for (const char *name : { "tuneworks/abc2_1601_boys-of-bluehill.abc", "nottingham/reelsa-c.abc" })
             QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
     }

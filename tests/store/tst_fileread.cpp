@@ -17,7 +17,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QTest>
 
@@ -338,27 +337,6 @@ e f
         QCOMPARE(env.ui().busyDepth, 0);
         QVERIFY(!env.ui().exitCode.has_value());
         QVERIFY(env.app().recent().items().value(0).isEmpty());
-    }
-
-    // Bytes of no text at all, NUL among them.
-    void binaryFile()
-    {
-        test::TestEnv env;
-        QByteArray bytes("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
-        QRandomGenerator random(7);
-        for (int i = 0; i < 20000; ++i)
-            bytes.append(char(random.bounded(256)));
-        const QString kFile = open(env, bytes, QStringLiteral("picture.abc"));
-        QCOMPARE(env.ui().messages().size(), 1);
-        if (kFile.isEmpty()) {
-            QVERIFY(treeIsBare(env.app()));
-        } else {
-            QCOMPARE(env.ui().lastMessage(),
-                     env.path("picture.abc") + CRLF + CRLF + env.app().text("Msg", "<lackingX>"));
-            QVERIFY(env.app().tree().find(kFile + "_bdyFile"));
-        }
-        QCOMPARE(env.ui().busyDepth, 0);
-        QVERIFY(!env.ui().progress.visible);
     }
 
     // One line of a megabyte, inside a tune and as a whole file with no tune.

@@ -160,22 +160,21 @@ private slots:
                 out.append(line.text);
             return out;
         };
+        const QString size = QStringLiteral(" Size     : %1 Bytes").arg(kFile.size());
         QStringList lines = texts(w.file);
-        QCOMPARE(lines.value(2), QStringLiteral(" Alias    : Jigs"));
-        QCOMPARE(lines.value(4), QStringLiteral(" Size     : %1 Bytes").arg(kFile.size()));
-        QVERIFY(lines.value(5).startsWith(QStringLiteral(" Modified : 2")));
-        QCOMPARE(lines.value(8), QStringLiteral("  (none)"));
+        QVERIFY(lines.contains(QStringLiteral(" Alias    : Jigs")));
+        QCOMPARE(lines.count(size), 1);
+        QVERIFY(lines.contains(QStringLiteral("  (none)"))); // no backup yet
 
         QFile::copy(w.path, w.path + QStringLiteral(".BAK"));
         QFile::remove(w.path);
         lines = texts(w.file);
-        QCOMPARE(lines.value(4), QStringLiteral(" Size     : "));
-        QCOMPARE(lines.value(8), QStringLiteral(" Path     : ") + w.path + QStringLiteral(".BAK"));
-        QCOMPARE(lines.value(9), QStringLiteral(" Size     : %1 Bytes").arg(kFile.size()));
+        QCOMPARE(lines.count(size), 1); // the backup's
+        QVERIFY(lines.contains(QStringLiteral(" Path     : ") + w.path + QStringLiteral(".BAK")));
 
         lines = texts(app.store().createNewFile());
-        QCOMPARE(lines.value(3), QStringLiteral(" Path     : <new>"));
-        QCOMPARE(lines.value(4), QStringLiteral(" Size     : "));
+        QVERIFY(lines.contains(QStringLiteral(" Path     : <new>")));
+        QVERIFY(lines.contains(QStringLiteral(" Size     : ")));
     }
 
     void lineSelection_data()

@@ -180,29 +180,6 @@ private slots:
         QCOMPARE(model.rowCount(), 0);
     }
 
-    // Half a million nodes, each found by key.
-    void largeTree()
-    {
-        WorkspaceTree tree;
-        Node *root = tree.add(nullptr, WorkspaceTree::Place::Child, "abc", "", Pic::AbcRoot);
-        Node *body = tree.addChild(root, "_file1_bdyFile", "", Pic::BdyFile);
-        const int tunes = 50000;
-        for (int t = 1; t <= tunes; ++t) {
-            const QString k = "_file1_tune" + QString::number(t);
-            Node *tune = tree.addChild(body, k, "[1] x", Pic::Tune);
-            for (int l = 1; l <= 9; ++l)
-                tree.addChild(tune, k + "_bdyTune_lg" + QString::number(l), "abc|", Pic::Mus);
-        }
-        QCOMPARE(tree.count(), 2 + tunes * 10);
-        for (int t = 1; t <= tunes; t += 997) {
-            Node *n = tree.find("_file1_tune" + QString::number(t) + "_bdyTune_lg9");
-            QVERIFY(n);
-            QCOMPARE(n->parent()->row(), t - 1);
-        }
-        int visited = 0;
-        tree.walk(root, [&](Node *) { ++visited; return true; });
-        QCOMPARE(visited, tree.count());
-    }
 };
 
 FENWORK_TEST(TestWorkspaceTree)
