@@ -18,6 +18,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QThread>
 
@@ -284,17 +285,17 @@ bool ToolRunner::startCommand(const QString &command, int windowMode, QString *e
         parsed.stdoutFile.isEmpty() ? QProcess::nullDevice() : inCache(parsed.stdoutFile));
     process->setStandardErrorFile(QProcess::nullDevice());
     process->start();
-    if (!process->waitForStarted(10000)) {
-        if (error)
-            *error = process->errorString();
-        delete process;
-        return false;
-    }
-
     Started started { process, parsed.arguments };
     if (!parsed.stdoutFile.isEmpty())
         started.files << QDir::cleanPath(QDir(folder).absoluteFilePath(parsed.stdoutFile));
+    // A process that failed to start stays listed as one that has ended: a wait for its output
+    // then gives up at once instead of running out its limit.
     m_started << started;
+    if (!process->waitForStarted(10000)) {
+        if (error)
+            *error = process->errorString();
+        return false;
+    }
     return true;
 }
 
@@ -343,6 +344,8 @@ QString ToolRunner::WaitForDispo(const QString &file, double limit)
     clock.start();
     const double limitMs = waitLimitMs(limit);
     UserDialogs &ui = m_app.ui();
+    ui.watchEscape(true);
+    const auto unwatch = qScopeGuard([&ui] { ui.watchEscape(false); });
 
     // One round: let events run, then the limit, then Esc. Empty means go on.
     auto round = [&]() -> QString {
