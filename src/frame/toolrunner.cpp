@@ -127,8 +127,10 @@ QString commandAbc2midi(const AppContext &app, const QString &input, const QStri
 
 QString commandAbc2abc(const AppContext &app, const QString &input, int semitones, const QString &output)
 {
-    return quoted(toolPath(app, Tool::Abc2abc)) + u' ' + quoted(input) + toolOptions(app, Tool::Abc2abc)
-        + QString::number(semitones) + QStringLiteral(" > ") + quoted(output);
+    // -e: the tool's bar-length complaints (a pick-up bar has one) would land in the music.
+    return quoted(toolPath(app, Tool::Abc2abc)) + u' ' + quoted(input) + QStringLiteral(" -e")
+        + toolOptions(app, Tool::Abc2abc) + QString::number(semitones) + QStringLiteral(" > ")
+        + quoted(output);
 }
 
 QString commandMidi2abc(const AppContext &app, const QString &input, const QString &output)
