@@ -280,6 +280,8 @@ bool EditController::cancel()
     if (!m_session->cancel(&reloaded))
         return false;
     m_panel->showText(reloaded);
+    // The score was drawn from the text just discarded.
+    refreshScore();
     return true;
 }
 
