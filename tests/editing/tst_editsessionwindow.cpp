@@ -218,7 +218,6 @@ private slots:
         QTest::addColumn<QString>("keys");
         QTest::addColumn<QString>("endsWith");
         QTest::newRow("bracket closed") << "1" << false << "[K:D" << "d2B2|[K:D]";
-        QTest::newRow("brace closed") << "1" << false << "{g" << "d2B2|{g}";
         QTest::newRow("switched off") << "0" << false << "[K:D" << "d2B2|[K:D";
         QTest::newRow("closer typed over") << "1" << false << "[K:G]A" << "d2B2|[K:G]A";
         QTest::newRow("nested closers typed over") << "1" << false << "{g[K:D]}A" << "d2B2|{g[K:D]}A";
