@@ -118,9 +118,12 @@ bool EditSession::start(const QString &text)
         return false;
     }
     m_kFile = m_app.currentFileKey;
-    m_ring.resize(1);
+    // Nothing of an earlier session may stand in the ring: an entry behind the start text would
+    // read as a change.
+    m_ring = UndoRing();
     m_ring.resize(kSessionRing);
     m_ring.SetUndo(text);
+    m_startText = text;
     m_recover->start();
     return true;
 }
@@ -157,7 +160,8 @@ bool EditSession::cancel(QString *reloaded)
 {
     if (!isActive())
         return false;
-    if (m_ring.hasChanges()) {
+    // Entry 0 is the text as it stands: typed and undone again is no change.
+    if (m_ring.hasChanges() && m_ring.entry(0) != m_startText) {
         const auto answer
             = m_app.ui().question(m_app.text(QStringLiteral("Msg"), QStringLiteral("<exitEdit>")), true);
         if (answer != UserDialogs::Answer::Yes)

@@ -85,6 +85,7 @@ private:
     QString m_kTune;
     QString m_kFile;
     UndoRing m_ring;
+    QString m_startText; // what the session began with: the reference for "changed"
     QTimer *m_recover;
 };
 

@@ -18,6 +18,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QThread>
 
@@ -126,8 +127,10 @@ QString commandAbc2midi(const AppContext &app, const QString &input, const QStri
 
 QString commandAbc2abc(const AppContext &app, const QString &input, int semitones, const QString &output)
 {
-    return quoted(toolPath(app, Tool::Abc2abc)) + u' ' + quoted(input) + toolOptions(app, Tool::Abc2abc)
-        + QString::number(semitones) + QStringLiteral(" > ") + quoted(output);
+    // -e: the tool's bar-length complaints (a pick-up bar has one) would land in the music.
+    return quoted(toolPath(app, Tool::Abc2abc)) + u' ' + quoted(input) + QStringLiteral(" -e")
+        + toolOptions(app, Tool::Abc2abc) + QString::number(semitones) + QStringLiteral(" > ")
+        + quoted(output);
 }
 
 QString commandMidi2abc(const AppContext &app, const QString &input, const QString &output)
@@ -284,17 +287,17 @@ bool ToolRunner::startCommand(const QString &command, int windowMode, QString *e
         parsed.stdoutFile.isEmpty() ? QProcess::nullDevice() : inCache(parsed.stdoutFile));
     process->setStandardErrorFile(QProcess::nullDevice());
     process->start();
-    if (!process->waitForStarted(10000)) {
-        if (error)
-            *error = process->errorString();
-        delete process;
-        return false;
-    }
-
     Started started { process, parsed.arguments };
     if (!parsed.stdoutFile.isEmpty())
         started.files << QDir::cleanPath(QDir(folder).absoluteFilePath(parsed.stdoutFile));
+    // A process that failed to start stays listed as one that has ended: a wait for its output
+    // then gives up at once instead of running out its limit.
     m_started << started;
+    if (!process->waitForStarted(10000)) {
+        if (error)
+            *error = process->errorString();
+        return false;
+    }
     return true;
 }
 
@@ -343,6 +346,8 @@ QString ToolRunner::WaitForDispo(const QString &file, double limit)
     clock.start();
     const double limitMs = waitLimitMs(limit);
     UserDialogs &ui = m_app.ui();
+    ui.watchEscape(true);
+    const auto unwatch = qScopeGuard([&ui] { ui.watchEscape(false); });
 
     // One round: let events run, then the limit, then Esc. Empty means go on.
     auto round = [&]() -> QString {

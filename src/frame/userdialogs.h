@@ -41,6 +41,9 @@ public:
     virtual void statusMessage(const QString &text) = 0;     // short text in the progress strip
     virtual void processEvents() = 0;                        // let pending interface events run
     virtual bool escapePressed() = 0;                        // Esc seen since the last call
+    // Esc counts only while a wait watches for it, so that an Esc that closed a menu or a box
+    // before the wait does not stop it. Watching starts with no Esc seen.
+    virtual void watchEscape(bool /*on*/) { }
     // The program cannot go on (a broken tree): end it after the message already shown.
     virtual void terminate(int exitCode) = 0;
 

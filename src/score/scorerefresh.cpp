@@ -135,18 +135,23 @@ ScoreOutcome ScoreRefresher::PartitionRefresh(
             QThread::msleep(200);
             QFile::remove(postScript);
         }
-        // A tool that cannot start writes nothing: the wait below runs out, as for a slow one.
+        // A tool that cannot start writes nothing: the wait below gives up at once.
         tools.startCommand(commandAbc2ps(m_app, kInput, kPostScript), 0);
         removePages(cache);
 
         if (tools.WaitForDispo(kPostScript, kWaitLimit) == kWaitEscape)
             return escaped();
 
+        // Without PostScript (the engraver is missing or wrote nothing) there is nothing to
+        // rasterise: only whether the library is there matters, and the page load below fails
+        // as for invalid ABC.
         QString error;
         bool ran;
-        {
+        if (QFileInfo(postScript).size() > 0) {
             const CurrentFolder inCache(cache);
             ran = RunGhostscript(ghostscriptArguments(resolution), &error);
+        } else {
+            ran = ghostscriptAvailable(&error);
         }
         if (!ran && error.contains(QStringLiteral("gsdll"), Qt::CaseInsensitive)) {
             ui.setBusy(false);
@@ -157,9 +162,13 @@ ScoreOutcome ScoreRefresher::PartitionRefresh(
             ui.statusMessage(m_app.text(QStringLiteral("Msg"), QStringLiteral("<gsDegrad>")));
             return outcome;
         }
-        // Any other failure of the interpreter leaves no page, which the load below finds out.
+        if (!ran)
+            ui.message(error + CRLF + CRLF + QStringLiteral("Context: PartitionRefresh"),
+                UserDialogs::Icon::Warning);
 
-        if (tools.WaitForDispo(kFirstPage, kWaitLimit) == kWaitEscape)
+        // The interpreter ran in this process: its pages are all written now, or none will come.
+        if (QFileInfo::exists(tools.inCache(kFirstPage))
+            && tools.WaitForDispo(kFirstPage, kWaitLimit) == kWaitEscape)
             return escaped();
 
         if (page < 1)

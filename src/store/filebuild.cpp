@@ -25,6 +25,114 @@ QString fileName(const QString &path)
     return slash < 0 ? path : path.mid(slash + 1);
 }
 
+// The walk over a file's header lines, one for opening a file and rebuilding an edited header:
+// each non-blank line, trimmed, becomes a child of the header node, keyed by the fixed line it
+// may be and pictured by what it holds (the lines of a %%beginps block hold no ABC).
+class HeaderBuilder
+{
+public:
+    HeaderBuilder(AppContext &app, TuneStore &store, Node *header, const QString &path)
+        : m_app(app)
+        , m_store(store)
+        , m_header(header)
+        , m_path(path)
+    { }
+
+    // Adds `raw` unless it is blank; false, with `error`, when its key is taken.
+    bool add(const QString &raw, QString *error)
+    {
+        const QString line = trimBlanks(raw);
+        if (line.isEmpty())
+            return true;
+        ++m_count;
+        QString keyEnding;
+        QString shown = line;
+        if (m_count == 1 && line.startsWith(u"%abc")) {
+            keyEnding = QStringLiteral("_lgabc");
+            m_sawAbc = true;
+        } else if (line.left(25) == kCreatorPrefix) {
+            keyEnding = QStringLiteral("_lgcreator");
+            shown = m_app.creatorLine; // the version that last saved the file
+            m_sawCreator = true;
+        } else if (line.left(11) == u"%%abc-alias") {
+            keyEnding = QStringLiteral("_lgalias");
+            m_sawAlias = true;
+        } else {
+            keyEnding = QStringLiteral("_lg") + QString::number(m_count);
+        }
+        Node *node = m_app.tree().addChild(m_header, m_header->Key + keyEnding, shown, Pic::None, error);
+        if (!node)
+            return false;
+        Pic pic;
+        if (line == u"%%beginps") {
+            pic = Pic::ChpEtend;
+            m_inPostScript = true;
+        } else if (line == u"%%endps") {
+            pic = Pic::ChpEtend;
+            m_inPostScript = false;
+        } else if (m_inPostScript) {
+            pic = Pic::NoAbc;
+        } else {
+            QString probe = line;
+            pic = GetIconeLigne(probe);
+        }
+        node->Image = pic;
+        if (pic == Pic::Include)
+            m_store.InclureDans(m_path, node, line);
+        return true;
+    }
+
+    // Puts "%abc" first and the creator line after the first line when the walk met none.
+    bool complete(QString *error)
+    {
+        WorkspaceTree &tree = m_app.tree();
+        const QString abcKey = m_header->Key + QStringLiteral("_lgabc");
+        if (!m_sawAbc) {
+            const QString abc = QStringLiteral("%abc");
+            Node *first = m_header->firstChild();
+            Node *node = first ? tree.add(first, WorkspaceTree::Place::Previous, abcKey, abc, Pic::Rem, error)
+                               : tree.addChild(m_header, abcKey, abc, Pic::Rem, error);
+            if (!node)
+                return false;
+        }
+        if (!m_sawCreator
+            && !tree.add(m_header->firstChild(), WorkspaceTree::Place::Next,
+                m_header->Key + QStringLiteral("_lgcreator"), m_app.creatorLine, Pic::ChpEtend, error))
+            return false;
+        return true;
+    }
+
+    // Adds the alias line right after the first line.
+    bool addAlias(const QString &alias, QString *error)
+    {
+        return m_app.tree().add(m_header->firstChild(), WorkspaceTree::Place::Next,
+                   m_header->Key + QStringLiteral("_lgalias"), QStringLiteral("%%abc-alias ") + alias,
+                   Pic::ChpEtend, error)
+            != nullptr;
+    }
+
+    bool sawAlias() const { return m_sawAlias; }
+
+private:
+    AppContext &m_app;
+    TuneStore &m_store;
+    Node *m_header;
+    QString m_path;
+    int m_count = 0; // non-blank lines so far
+    bool m_inPostScript = false;
+    bool m_sawAbc = false;
+    bool m_sawCreator = false;
+    bool m_sawAlias = false;
+};
+
+// The file node's caption with the alias before its "[name]".
+void showAlias(AppContext &app, Node *file)
+{
+    const qsizetype bracket = file->Text.indexOf(u'[');
+    if (bracket >= 0)
+        app.tree().setText(file, GetAliasFile(app, file->Key) + u' ' + file->Text.mid(bracket));
+}
+
 } // namespace
 
 TuneStore::TuneStore(AppContext &app) : m_app(app) {}
@@ -115,9 +223,7 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
     };
 
     bool inHeader = true;
-    bool inPostScript = false;
-    bool sawAbc = false, sawCreator = false, sawAlias = false;
-    int headerCount = 0;
+    HeaderBuilder headerLines(m_app, *this, header, path);
     QVector<QStringList> tunes;
     QStringList buffer;
     const int progressStep = qMax(1, int(lines.size() / 100));
@@ -142,43 +248,8 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
                 buffer.append(line);
             continue;
         }
-        if (line.isEmpty())
-            continue;
-        ++headerCount;
-        QString keyEnding;
-        QString shown = line;
-        if (headerCount == 1 && line.startsWith(u"%abc")) {
-            keyEnding = QStringLiteral("_lgabc");
-            sawAbc = true;
-        } else if (line.left(25) == kCreatorPrefix) {
-            keyEnding = QStringLiteral("_lgcreator");
-            shown = m_app.creatorLine;
-            sawCreator = true;
-        } else if (line.left(11) == u"%%abc-alias") {
-            keyEnding = QStringLiteral("_lgalias");
-            sawAlias = true;
-        } else {
-            keyEnding = QStringLiteral("_lg") + QString::number(headerCount);
-        }
-        Node *node = tree.addChild(header, header->Key + keyEnding, shown, Pic::None, &error);
-        if (!node)
+        if (!headerLines.add(line, &error))
             return fail(error);
-        Pic pic;
-        if (line == u"%%beginps") {
-            pic = Pic::ChpEtend;
-            inPostScript = true;
-        } else if (line == u"%%endps") {
-            pic = Pic::ChpEtend;
-            inPostScript = false;
-        } else if (inPostScript) {
-            pic = Pic::NoAbc;
-        } else {
-            QString probe = line;
-            pic = GetIconeLigne(probe);
-        }
-        node->Image = pic;
-        if (pic == Pic::Include)
-            InclureDans(path, node, line);
     }
 
     if (inHeader) {
@@ -196,23 +267,11 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
     }
     tunes.append(std::move(buffer));
 
-    if (!sawAbc) {
-        Node *first = header->firstChild();
-        Node *node = first ? tree.add(first, WorkspaceTree::Place::Previous, header->Key + QStringLiteral("_lgabc"),
-                                      QStringLiteral("%abc"), Pic::Rem, &error)
-                           : tree.addChild(header, header->Key + QStringLiteral("_lgabc"), QStringLiteral("%abc"),
-                                           Pic::Rem, &error);
-        if (!node)
-            return fail(error);
-    }
-    if (!sawCreator) {
-        if (!tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgcreator"),
-                      m_app.creatorLine, Pic::ChpEtend, &error))
-            return fail(error);
-    }
+    if (!headerLines.complete(&error))
+        return fail(error);
     if (!inTrash) {
-        bool hasAlias = sawAlias;
-        if (!sawAlias) {
+        bool hasAlias = headerLines.sawAlias();
+        if (!hasAlias) {
             QString alias;
             if (m_app.ini().get(keys::Ask4alias) == u"1" && !noAsk) {
                 const QString msg = QStringLiteral("Msg");
@@ -228,14 +287,11 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
             } else {
                 alias = QStringLiteral("none");
             }
-            if (!tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgalias"),
-                          QStringLiteral("%%abc-alias ") + alias, Pic::ChpEtend, &error))
+            if (!headerLines.addAlias(alias, &error))
                 return fail(error);
         }
-        if (hasAlias) {
-            const qsizetype bracket = file->Text.indexOf(u'[');
-            tree.setText(file, GetAliasFile(m_app, kFile) + u' ' + file->Text.mid(qMax<qsizetype>(0, bracket)));
-        }
+        if (hasAlias)
+            showAlias(m_app, file);
     }
 
     ui.processEvents();
@@ -306,61 +362,22 @@ void TuneStore::rebuildFileHeader(const QString &kFile, const QString &text)
         return;
     tree.removeChildren(header);
     QString error;
-    bool sawAbc = false, sawCreator = false, sawAlias = false;
-    QString alias;
+    const auto report = [&] { m_app.ui().contextError(QStringLiteral("HeaderRebuild"), error); };
+    HeaderBuilder headerLines(m_app, *this, header, file->Tag);
     {
         BuildScope build(tree, header);
-        const QStringList lines = text.split(CRLF);
-        for (qsizetype i = 0; i < lines.size(); ++i) {
-            QString line = lines.at(i);
-            if (trimBlanks(line).isEmpty())
-                continue;
-            QString keyEnding;
-            if (i == 0 && line.startsWith(u"%abc")) {
-                keyEnding = QStringLiteral("_lgabc");
-                sawAbc = true;
-            } else if (line.startsWith(kCreatorPrefix)) {
-                line = m_app.creatorLine;
-                keyEnding = QStringLiteral("_lgcreator");
-                sawCreator = true;
-            } else if (line.startsWith(u"%%abc-alias")) {
-                alias = line.mid(11);
-                if (trimBlanks(alias) == u"none")
-                    alias.clear();
-                keyEnding = QStringLiteral("_lgalias");
-                sawAlias = true;
-            } else {
-                keyEnding = QStringLiteral("_lg") + QString::number(i);
-            }
-            QString probe = line;
-            const Pic pic = GetIconeLigne(probe);
-            Node *node = tree.addChild(header, header->Key + keyEnding, line, pic, &error);
-            if (!node) {
-                m_app.ui().contextError(QStringLiteral("HeaderRebuild"), error);
-                continue;
-            }
-            if (pic == Pic::Include)
-                InclureDans(file->Tag, node, line);
+        for (const QString &line : text.split(CRLF)) {
+            // A clashing line is left out; the rest of the header still stands.
+            if (!headerLines.add(line, &error))
+                report();
         }
-        if (!sawAbc) {
-            if (Node *first = header->firstChild())
-                tree.add(first, WorkspaceTree::Place::Previous, header->Key + QStringLiteral("_lgabc"),
-                         QStringLiteral("%abc"), Pic::Rem);
-            else
-                tree.addChild(header, header->Key + QStringLiteral("_lgabc"), QStringLiteral("%abc"), Pic::Rem);
-        }
-        if (!sawCreator)
-            tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgcreator"),
-                     m_app.creatorLine, Pic::ChpEtend);
-        if (!sawAlias)
-            tree.add(header->firstChild(), WorkspaceTree::Place::Next, header->Key + QStringLiteral("_lgalias"),
-                     QStringLiteral("%%abc-alias none"), Pic::ChpEtend);
+        if (!headerLines.complete(&error))
+            report();
+        if (!headerLines.sawAlias() && !headerLines.addAlias(QStringLiteral("none"), &error))
+            report();
     }
-    if (sawAlias) {
-        const qsizetype bracket = file->Text.indexOf(u'[');
-        if (bracket >= 0)
-            tree.setText(file, trimBlanks(alias) + u' ' + file->Text.mid(bracket));
-    }
+    if (headerLines.sawAlias())
+        showAlias(m_app, file);
 }
 
 } // namespace fenwork

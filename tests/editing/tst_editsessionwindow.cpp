@@ -208,21 +208,27 @@ private slots:
         QCOMPARE(w.app().tree().find(w.kFile)->Image, Pic::FileAbc);
     }
 
-    // Keys that help typing: a bracket comes with its closing one (unless switched off), and
-    // Alt+M puts a numbered bar marker at the caret.
+    // Keys that help typing: a bracket comes with its closing one (unless switched off), which a
+    // typed closer steps over; Alt+M puts a numbered bar marker at the caret, on a line of its
+    // own before music.
     void typingAids_data()
     {
         QTest::addColumn<QString>("closeBrackets");
+        QTest::addColumn<bool>("lineStart");
         QTest::addColumn<QString>("keys");
         QTest::addColumn<QString>("endsWith");
-        QTest::newRow("bracket closed") << "1" << "[K:D" << "d2B2|[K:D]";
-        QTest::newRow("brace closed") << "1" << "{g" << "d2B2|{g}";
-        QTest::newRow("switched off") << "0" << "[K:D" << "d2B2|[K:D";
-        QTest::newRow("bar marker") << "1" << "alt+M" << "d2B2|%%|2";
+        QTest::newRow("bracket closed") << "1" << false << "[K:D" << "d2B2|[K:D]";
+        QTest::newRow("switched off") << "0" << false << "[K:D" << "d2B2|[K:D";
+        QTest::newRow("closer typed over") << "1" << false << "[K:G]A" << "d2B2|[K:G]A";
+        QTest::newRow("nested closers typed over") << "1" << false << "{g[K:D]}A" << "d2B2|{g[K:D]}A";
+        QTest::newRow("closer of its own") << "1" << false << "A]" << "d2B2|A]";
+        QTest::newRow("bar marker") << "1" << false << "alt+M" << "d2B2|%%|2";
+        QTest::newRow("bar marker before music") << "1" << true << "alt+M" << "K:G\n%%|1\nGABc d2B2|";
     }
     void typingAids()
     {
         QFETCH(QString, closeBrackets);
+        QFETCH(bool, lineStart);
         QFETCH(QString, keys);
         QFETCH(QString, endsWith);
         Window w;
@@ -230,6 +236,8 @@ private slots:
         w.select(w.tuneKey(1));
         w.key(Qt::Key_F5);
         w.moveToEnd();
+        if (lineStart)
+            w.editor()->moveCursor(QTextCursor::StartOfBlock);
         if (keys == u"alt+M")
             w.key(Qt::Key_M, Qt::AltModifier);
         else
@@ -352,26 +360,38 @@ private slots:
 
     void cancel_data()
     {
-        QTest::addColumn<bool>("change");
+        QTest::addColumn<int>("earlierSessions");
+        QTest::addColumn<QString>("change"); // "b2": typed; "b2<": typed and erased again
         QTest::addColumn<QList<int>>("answers");
         QTest::addColumn<bool>("ends");
-        QTest::newRow("unchanged") << false << QList<int> {} << true;
-        QTest::newRow("changed, Yes") << true << QList<int> { int(Answer::Yes) } << true;
-        QTest::newRow("changed, No") << true << QList<int> { int(Answer::No) } << false;
-        QTest::newRow("changed, Cancel") << true << QList<int> { int(Answer::Cancel) } << false;
+        QTest::newRow("unchanged") << 0 << "" << QList<int> {} << true;
+        QTest::newRow("unchanged, third session") << 2 << "" << QList<int> {} << true;
+        QTest::newRow("typed and erased") << 0 << "b2<" << QList<int> {} << true;
+        QTest::newRow("changed, Yes") << 0 << "b2" << QList<int> { int(Answer::Yes) } << true;
+        QTest::newRow("changed, No") << 0 << "b2" << QList<int> { int(Answer::No) } << false;
+        QTest::newRow("changed, Cancel") << 0 << "b2" << QList<int> { int(Answer::Cancel) } << false;
+        QTest::newRow("changed, second session, No") << 1 << "b2" << QList<int> { int(Answer::No) } << false;
     }
     void cancel()
     {
-        QFETCH(bool, change);
+        QFETCH(int, earlierSessions);
+        QFETCH(QString, change);
         QFETCH(QList<int>, answers);
         QFETCH(bool, ends);
         Window w;
         w.select(w.tuneKey(2));
         const QString before = w.editor()->toPlainText();
+        for (int i = 0; i < earlierSessions; ++i) {
+            w.key(Qt::Key_F5);
+            w.key(Qt::Key_Escape);
+        }
+        QVERIFY(!w.edit().isEditing());
         w.key(Qt::Key_F5);
-        if (change) {
-            w.moveToEnd();
-            QTest::keyClicks(w.editor(), QStringLiteral("b2"));
+        w.moveToEnd();
+        QTest::keyClicks(w.editor(), change.left(2));
+        if (change.endsWith(u'<')) {
+            w.key(Qt::Key_Backspace);
+            w.key(Qt::Key_Backspace);
         }
         const QString edited = w.editor()->toPlainText();
         for (int answer : answers)

@@ -19,6 +19,7 @@ class TestDialogs : public QObject
 private slots:
     void widgetProgressStrip();
     void widgetBusyCursorNests();
+    void widgetEscapeFilter_data();
     void widgetEscapeFilter();
 };
 
@@ -88,22 +89,44 @@ void TestDialogs::widgetBusyCursorNests()
     QVERIFY(!QApplication::overrideCursor());
 }
 
+// Only an Esc pressed while a wait watches stops it: one that closed a menu or a box before
+// the wait, or between two waits, must not stop the next.
+void TestDialogs::widgetEscapeFilter_data()
+{
+    QTest::addColumn<QString>("when");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("Esc during the wait") << "during" << int(Qt::Key_Escape) << true;
+    QTest::newRow("another key during the wait") << "during" << int(Qt::Key_A) << false;
+    QTest::newRow("Esc before the wait") << "before" << int(Qt::Key_Escape) << false;
+    QTest::newRow("Esc between two waits") << "between" << int(Qt::Key_Escape) << false;
+}
+
 void TestDialogs::widgetEscapeFilter()
 {
+    QFETCH(QString, when);
+    QFETCH(int, key);
+    QFETCH(bool, stops);
     WidgetDialogs ui;
     QWidget target;
     target.show();
-    QVERIFY(!ui.escapePressed());
-
-    QCoreApplication::postEvent(&target, new QKeyEvent(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier));
-    ui.processEvents();
-    QVERIFY(!ui.escapePressed());
-
-    QCoreApplication::postEvent(&target, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
-    QVERIFY(!ui.escapePressed()); // not delivered yet
-    ui.processEvents();
-    QVERIFY(ui.escapePressed());
-    QVERIFY(!ui.escapePressed());
+    const auto press = [&] {
+        QCoreApplication::postEvent(&target, new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier));
+        ui.processEvents();
+    };
+    if (when == u"before")
+        press();
+    if (when == u"between") {
+        ui.watchEscape(true);
+        ui.watchEscape(false);
+        press();
+    }
+    ui.watchEscape(true);
+    if (when == u"during")
+        press();
+    QCOMPARE(ui.escapePressed(), stops);
+    QVERIFY(!ui.escapePressed()); // read once
+    ui.watchEscape(false);
 }
 
 FENWORK_TEST(TestDialogs)

@@ -66,12 +66,21 @@ private slots:
         QVERIFY(env.ui().eventPumps() > 0);
     }
 
+    void writerEndedWithoutOutput_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("started");
+        QTest::newRow("ended without output") << R"(/bin/sh -c "exit 1" "never.ps")" << true;
+        QTest::newRow("could not start") << R"("/nonexistent/abcm2ps" "tmp.abc" "never.ps")" << false;
+    }
     void writerEndedWithoutOutput()
     {
+        QFETCH(QString, command);
+        QFETCH(bool, started);
         TestEnv env;
         ToolRunner &tools = env.app().tools();
-        QVERIFY(tools.startCommand(QStringLiteral(R"(/bin/sh -c "exit 1" "never.ps")")));
-        // Waiting for ever would hang: the tool that was to write the file has ended.
+        QCOMPARE(tools.startCommand(command), started);
+        // Waiting for ever would hang: the tool that was to write the file is gone.
         QCOMPARE(tools.WaitForDispo(QStringLiteral("never.ps"), 0), kWaitTimeout);
     }
 

@@ -2,17 +2,22 @@
 #include "testmain.h"
 
 #include "frame/strutil.h"
+#include "frame/widgets/mainwindow.h"
 #include "score/widgets/scorepanel.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSlider>
 #include <QSplitter>
 #include <QTest>
+#include <QToolBar>
 #include <QToolButton>
 
 #include <functional>
@@ -92,8 +97,10 @@ private slots:
         const QImage before = world.panel.picture();
         QVERIFY(!before.isNull());
 
-        world.env.app().ini().set(keys::Tool2ps, world.env.path(QStringLiteral("gone/abcm2ps")));
-        const test::EnvGuard noPath("PATH", "/nonexistent");
+        // An engraver that takes its time: Esc comes during the wait for it.
+        const QString slow = world.env.writeFile(QStringLiteral("abcm2ps"), "#!/bin/sh\nexec sleep 30\n");
+        QFile::setPermissions(slow, QFile::permissions(slow) | QFileDevice::ExeOwner);
+        world.env.app().ini().set(keys::Tool2ps, slow);
         world.env.ui().setEscapePressed(true, 1);
         world.panel.requestRefresh(world.tuneText() + QStringLiteral("abc|\r\n"));
         QCOMPARE(world.panel.picture(), before);
@@ -119,6 +126,69 @@ private slots:
         QCOMPARE(world.panel.refreshCount(), 2);
         QVERIFY(readAll(world.cache(QStringLiteral("tmp.abc"))).contains(QStringLiteral("%change 5\r\n")));
         QCOMPARE(world.child<QLineEdit>("txt_page")->text(), QStringLiteral("1"));
+    }
+
+    // In the window the score shows what the text panel shows, or the blank page: never an
+    // edit that was thrown away, nor a tune that has left the panel.
+    void followsTheTextPanel_data()
+    {
+        QTest::addColumn<QString>("step");
+        QTest::addColumn<bool>("asked"); // answered Yes
+        QTest::addColumn<bool>("blank");
+        QTest::newRow("edit cancelled by Esc") << "Esc" << true << false;
+        QTest::newRow("edit cancelled by its button") << "cancel" << true << false;
+        QTest::newRow("cancelled, another file opened") << "open" << true << true;
+        QTest::newRow("file closed") << "mnu_closeFile" << false << true;
+        QTest::newRow("tune to the trash") << "mnu_delTune0" << true << true;
+        QTest::newRow("tune erased") << "mnu_delTune1" << true << true;
+    }
+    void followsTheTextPanel()
+    {
+        QFETCH(QString, step);
+        QFETCH(bool, asked);
+        QFETCH(bool, blank);
+        SKIP_WITHOUT_SCORE_TOOLS();
+        TestEnv env;
+        // An edit session opens the note output: into a file, never a device.
+        const EnvGuard audio("FENNELWORKS_AUDIO", "file:" + env.path(QStringLiteral("out.wav")).toUtf8());
+        const std::unique_ptr<MainWindow> window = loadedMainWindow(env);
+        ScorePanel *score = window->scorePanel();
+        QImage mark(20, 30, QImage::Format_Grayscale8);
+        mark.fill(128);
+        const QString blankPath = env.writeFile(QStringLiteral("blank.png"), {});
+        QVERIFY(mark.save(blankPath));
+        score->setBlankPicturePath(blankPath);
+        const QString kFile = window->openPath(env.writeFile(QStringLiteral("score.abc"), kScoreFile));
+        window->SimulerNodeClick(kFile + QStringLiteral("_tune2"));
+        QVERIFY(score->picture().width() > 100);
+
+        auto *editor = window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"));
+        const auto trigger = [](QObject *parent, const QString &name) {
+            QAction *action = parent->findChild<QAction *>(name);
+            QVERIFY(action && action->isEnabled());
+            action->trigger();
+        };
+        if (asked)
+            env.ui().pushAnswer(UserDialogs::Answer::Yes);
+        if (step == u"Esc" || step == u"cancel" || step == u"open") {
+            QTest::keyClick(editor, Qt::Key_F5);
+            editor->moveCursor(QTextCursor::End);
+            QTest::keyClicks(editor, QStringLiteral(" zz|"));
+            if (step == u"cancel")
+                trigger(window->findChild<QToolBar *>(QStringLiteral("tb_edit")), step);
+            else
+                QTest::keyClick(editor, Qt::Key_Escape);
+            QVERIFY(editor->isReadOnly());
+            if (step == u"open")
+                window->openPath(env.writeFile(QStringLiteral("other.abc"), "X:1\nT:Other\nK:D\nd4|\n"));
+        } else {
+            trigger(window.get(), step);
+        }
+        QApplication::processEvents();
+        QVERIFY(env.ui().queuesEmpty());
+        QCOMPARE(score->picture().size() == mark.size(), blank);
+        if (!blank)
+            QVERIFY(!readAll(env.app().paths().cacheFolder() + QStringLiteral("/tmp.abc")).contains(u"zz|"));
     }
 
     void tablatureChoice_data()

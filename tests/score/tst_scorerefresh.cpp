@@ -200,12 +200,30 @@ private slots:
         QCOMPARE(world.env.ui().messages(), QStringList { gsdllErr });
     }
 
-    void engraverMissingTimesOut()
+    // Faults of the engraver: a missing one costs no wait, and PostScript that Ghostscript
+    // refuses is shown as the refresh's own box, once per attempt.
+    void engraverFaults_data()
     {
+        QTest::addColumn<QByteArray>("script"); // empty: no engraver at all
+        QTest::addColumn<int>("boxes");
+        QTest::newRow("engraver missing") << QByteArray() << 0;
+        QTest::newRow("PostScript refused")
+            << QByteArray("#!/bin/sh\nfor out; do :; done\nprintf '%%!PS\\n/x nosuchop\\n' > \"$out\"\n") << 2;
+    }
+
+    void engraverFaults()
+    {
+        QFETCH(QByteArray, script);
+        QFETCH(int, boxes);
         if (!ghostscriptAvailable())
             QSKIP("the Ghostscript library is not installed");
         ScoreWorld world;
-        world.env.app().ini().set(keys::Tool2ps, world.env.path(QStringLiteral("gone/abcm2ps")));
+        QString engraver = world.env.path(QStringLiteral("gone/abcm2ps"));
+        if (!script.isEmpty()) {
+            engraver = world.env.writeFile(QStringLiteral("abcm2ps"), script);
+            QFile::setPermissions(engraver, QFile::permissions(engraver) | QFileDevice::ExeOwner);
+        }
+        world.env.app().ini().set(keys::Tool2ps, engraver);
         const test::EnvGuard noPath("PATH", "/nonexistent");
         ScoreRefresher refresher(world.env.app());
         int page = 1;
@@ -215,6 +233,15 @@ private slots:
         QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Blank));
         QCOMPARE(world.env.ui().texts(ScriptedDialogs::Kind::Status),
             QStringList({ status(kScoreRetry), status(kScoreInvalid) }));
+        const QStringList shown = world.env.ui().messages();
+        QCOMPARE(shown.size(), boxes);
+        for (const QString &box : shown) {
+            QVERIFY2(box.contains(QStringLiteral("nosuchop")), qPrintable(box));
+            QVERIFY(box.endsWith(CRLF + CRLF + QStringLiteral("Context: PartitionRefresh")));
+        }
+        // Nothing was left to wait for: no wait went round looking for Esc.
+        if (script.isEmpty())
+            QCOMPARE(world.env.ui().escapeChecks(), 0);
     }
 
     void corpusTunes_data()

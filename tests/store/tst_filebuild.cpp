@@ -222,7 +222,8 @@ private slots:
         QVERIFY(env.app().recent().items().value(0).isEmpty());
     }
 
-    // A header rebuilt from edited text: fixed keys, keys by line index, supplied lines, the caption.
+    // A header rebuilt from edited text: fixed keys, keys by line count, supplied lines, the caption
+    // (more in the golden folder edited-header).
     void rebuildHeader_data()
     {
         QTest::addColumn<QString>("text");
@@ -231,20 +232,20 @@ private slots:
         QTest::newRow("all fixed lines")
             << "%abc-2.1\n%%abc-alias Jigs\n%%abc-creator Fennelworks 0.0 [1999]\n%%MIDI x"
             << "_lgabc rem %abc-2.1\n_lgalias chpetend %%abc-alias Jigs\n"
-               "_lgcreator chpetend @CREATOR@\n_lg3 chpetend %%MIDI x"
+               "_lgcreator chpetend @CREATOR@\n_lg4 chpetend %%MIDI x"
             << "Jigs [t.abc]";
         QTest::newRow("none of them") << "T:hdr\n\n   \n%%beginps\nx y\n%%endps"
                                       << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                         "_lgcreator chpetend @CREATOR@\n_lg0 propr T:hdr\n_lg3 chpetend %%beginps\n"
-                                         "_lg4 mus x y\n_lg5 chpetend %%endps"
+                                         "_lgcreator chpetend @CREATOR@\n_lg1 propr T:hdr\n_lg2 chpetend %%beginps\n"
+                                         "_lg3 noabc x y\n_lg4 chpetend %%endps"
                                       << "Old [t.abc]";
         QTest::newRow("alias none")
             << "%abc\n%%abc-alias none"
             << "_lgabc rem %abc\n_lgcreator chpetend @CREATOR@\n_lgalias chpetend %%abc-alias none" << " [t.abc]";
         QTest::newRow("include") << "%abc\n%%abc-include hdr.abc"
                                  << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                    "_lgcreator chpetend @CREATOR@\n_lg1 include %%abc-include hdr.abc\n"
-                                    "_lg1_inclg1 chpetend %%scale 0.8"
+                                    "_lgcreator chpetend @CREATOR@\n_lg2 include %%abc-include hdr.abc\n"
+                                    "_lg2_inclg1 chpetend %%scale 0.8"
                                  << "Old [t.abc]";
     }
     void rebuildHeader()

@@ -413,6 +413,11 @@ e f
         }
         const QString kFile = env.app().store().FichierOuvrir(env.path("input.abc"), false, true, false);
         QVERIFY(!kFile.isEmpty());
+        // A header the user edited is given back as the edit session does.
+        if (source.exists(QStringLiteral("edited-header.abc"))) {
+            QString edited = QString::fromUtf8(test::readBytes(source.filePath(QStringLiteral("edited-header.abc"))));
+            env.app().store().rebuildFileHeader(kFile, edited.replace(u'\n', CRLF));
+        }
         QCOMPARE(env.ui().messages(), QStringList());
         const auto expected = [&](const QString &name) {
             QString text = QString::fromUtf8(test::readBytes(source.filePath(name)));

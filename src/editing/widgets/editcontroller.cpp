@@ -32,6 +32,7 @@
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QToolBar>
 #include <QTimer>
 #include <QToolButton>
@@ -279,6 +280,8 @@ bool EditController::cancel()
     if (!m_session->cancel(&reloaded))
         return false;
     m_panel->showText(reloaded);
+    // The score was drawn from the text just discarded.
+    refreshScore();
     return true;
 }
 
@@ -308,6 +311,7 @@ void EditController::sessionEnded(bool validated)
     m_panel->abcEditor()->setLineNumbersVisible(false);
     setNextPrevEnabled(true);
     showOneLineBoxes(false);
+    m_autoClosers.clear();
     const QString key = m_editedKey;
     m_editedKey.clear();
     if (validated && selectNode)
@@ -408,6 +412,28 @@ void EditController::bt_undo_Click()
     editor->setFocus();
 }
 
+bool EditController::stepOverCloser(const QString &typed)
+{
+    QPlainTextEdit *editor = m_panel->editor();
+    QTextCursor caret = editor->textCursor();
+    bool stepped = false;
+    for (qsizetype i = m_autoClosers.size() - 1; i >= 0; --i) {
+        const QTextCursor &closer = m_autoClosers.at(i);
+        const QString selected = closer.selectedText();
+        // A closer deleted or typed over is no longer ours to step over.
+        const bool standing = selected == u"]" || selected == u"}";
+        const bool here = !stepped && !caret.hasSelection() && selected == typed
+            && closer.selectionStart() == caret.position();
+        if (!standing || here)
+            m_autoClosers.removeAt(i);
+        if (here) {
+            caret.movePosition(QTextCursor::NextCharacter);
+            editor->setTextCursor(caret);
+            stepped = true;
+        }
+    }
+    return stepped;
+}
 
 void EditController::showCaret()
 {
@@ -507,8 +533,15 @@ bool EditController::eventFilter(QObject *watched, QEvent *event)
         cursor.insertText(typed + (typed == u"[" ? u']' : u'}'));
         cursor.movePosition(QTextCursor::PreviousCharacter);
         editor->setTextCursor(cursor);
+        // A cursor over the closer follows the edits around it, so that typing the closer
+        // later can step over this one.
+        QTextCursor closer = cursor;
+        closer.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
+        m_autoClosers.append(closer);
         return true;
     }
+    if ((typed == u"]" || typed == u"}") && stepOverCloser(typed))
+        return true;
     if (key->key() == Qt::Key_P && mods == Qt::ControlModifier) {
         if (m_menus) {
             if (QAction *play = m_menus->action(QStringLiteral("mnu_playTune")); play && play->isEnabled())

@@ -1,6 +1,8 @@
 #pragma once
+#include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTextCursor>
 
 #include <functional>
 
@@ -100,6 +102,8 @@ private:
     void showOneLineBoxes(bool shown);
     void refreshScore();
     void fillTemplates();
+    // A closer typed right before one that came with its opening bracket steps over it.
+    bool stepOverCloser(const QString &typed);
 
     AppContext &m_app;
     AbcTextPanel *m_panel;
@@ -136,6 +140,7 @@ private:
     bool m_undoLock = false;
     QString m_editedKey;
     QString m_shownText;
+    QList<QTextCursor> m_autoClosers; // each selects a closer put in with its bracket
 };
 
 } // namespace fenwork

@@ -128,8 +128,16 @@ void EditController::numberBars(bool insertMarker)
     if (!isEditing())
         return;
     QPlainTextEdit *editor = m_panel->editor();
-    if (insertMarker)
-        editor->textCursor().insertText(QStringLiteral("%%|"));
+    if (insertMarker) {
+        // The number takes the rest of the marker's line: music after the caret goes to a line
+        // of its own.
+        QTextCursor cursor = editor->textCursor();
+        QTextCursor rest(editor->document());
+        rest.setPosition(cursor.selectionEnd());
+        rest.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        const bool musicAfter = !trimBlanks(rest.selectedText()).isEmpty();
+        cursor.insertText(musicAfter ? QStringLiteral("%%|\n") : QStringLiteral("%%|"));
+    }
     const QString numbered = fromStoreText(numberBarMarkers(toStoreText(editor->toPlainText())));
     if (numbered != editor->toPlainText())
         replaceAllText(numbered);

@@ -389,9 +389,12 @@ void MainWindow::NodeClick(const QString &key)
         if (at >= 0)
             m_textPanel->selectRange(at, selection.line.size());
     }
-    // The text panel colours ABC text itself as it shows it.
+    // The text panel colours ABC text itself as it shows it. The score never outlives the text
+    // it was drawn from.
     if (selection.score)
         m_score->showTune(m_textPanel->text());
+    else if (selection.content != PanelContent::Unchanged)
+        m_score->showBlank();
     m_textPanel->setCaption(selection.caption);
     m_status->setFilePath(GetPathFile(m_app, m_app.currentFileKey));
 }

@@ -203,6 +203,14 @@ bool WidgetDialogs::escapePressed()
     return pressed;
 }
 
+void WidgetDialogs::watchEscape(bool on)
+{
+    m_escapeWatch = qMax(0, m_escapeWatch + (on ? 1 : -1));
+    // The outermost wait starts and ends with no Esc seen.
+    if (m_escapeWatch == (on ? 1 : 0))
+        m_escape = false;
+}
+
 void WidgetDialogs::terminate(int exitCode)
 {
     std::fflush(stdout);
@@ -216,8 +224,11 @@ void WidgetDialogs::terminate(int exitCode)
 bool WidgetDialogs::eventFilter(QObject *watched, QEvent *event)
 {
     // A key event is offered to the filter once per widget it propagates through; only the
-    // first delivery matters, and noting it twice does no harm.
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+    // first delivery matters, and noting it twice does no harm. Where Esc is a shortcut (the
+    // edit session's cancel) only its override event comes by.
+    const QEvent::Type type = event->type();
+    if (m_escapeWatch > 0 && (type == QEvent::KeyPress || type == QEvent::ShortcutOverride)
+        && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
         m_escape = true;
     return QObject::eventFilter(watched, event);
 }

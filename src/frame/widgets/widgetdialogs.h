@@ -45,6 +45,7 @@ public:
     void statusMessage(const QString &text) override;
     void processEvents() override;
     bool escapePressed() override;
+    void watchEscape(bool on) override;
     void terminate(int exitCode) override;
 
 protected:
@@ -60,6 +61,7 @@ private:
     int m_busyDepth = 0;
     int m_pumpDepth = 0;
     bool m_escape = false;
+    int m_escapeWatch = 0; // waits that watch, nested ones counted
 };
 
 } // namespace fenwork

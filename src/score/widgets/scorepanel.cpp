@@ -272,6 +272,11 @@ void ScorePanel::showTune(const QString &text)
     refresh(request);
 }
 
+void ScorePanel::showBlank()
+{
+    showTune(QString());
+}
+
 void ScorePanel::seeScore()
 {
     Request request;
@@ -345,6 +350,9 @@ void ScorePanel::runOne(const Request &request)
     const ScoreOutcome outcome
         = m_refresher->PartitionRefresh(source, kScoreTarget, m_zoom->value(), page, request.force);
     apply(outcome, page);
+    // Drawing by hand only keeps the page of a tune still shown, never one that has gone.
+    if (outcome.skipped && (source.tuneKey.isEmpty() || source.editorText.isEmpty()))
+        showBlankPicture();
     if (request.scrollTop)
         m_canvas->verticalBar()->setValue(m_canvas->verticalBar()->minimum());
     emit refreshed();

@@ -47,6 +47,8 @@ public:
 
     // A tune was selected: page 1, the picture's top, and the text shown for it.
     void showTune(const QString &text);
+    // No tune is shown (a file, the root, the trash): the blank page, after any refresh under way.
+    void showBlank();
     // F5/Ctrl+R and bt_seeScore: page 1, drawn even when automatic refresh is off.
     void seeScore();
 
