@@ -56,7 +56,8 @@ InsertionDialog::InsertionDialog(AppContext &app, QWidget *parent)
     fields->addWidget(m_code, 1, 1);
     fields->addWidget(textLabel, 2, 1);
     fields->addWidget(m_text, 3, 1);
-    fields->setColumnStretch(1, 1);
+    fields->setColumnStretch(0, 1);
+    fields->setColumnStretch(1, 2);
     fields->setRowStretch(3, 1);
 
     auto *buttons = new QDialogButtonBox(this);
