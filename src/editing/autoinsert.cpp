@@ -6,6 +6,8 @@
 #include "frame/textfile.h"
 #include "frame/userdialogs.h"
 
+#include <QFileInfo>
+
 namespace fenwork {
 
 namespace {
@@ -66,6 +68,12 @@ QString quoted(QString text)
 QString insAutoFile(const AppContext &app)
 {
     return app.paths().userRoot() + QStringLiteral("/insauto.dat");
+}
+
+QList<InsertionEntry> loadInsertions(const AppContext &app)
+{
+    const QString own = insAutoFile(app);
+    return Lire_insAuto(QFileInfo::exists(own) ? own : app.paths().inProgram(QStringLiteral("insauto.dat")));
 }
 
 QList<InsertionEntry> Lire_insAuto(const QString &path)
@@ -134,7 +142,7 @@ bool def_Insertion(AppContext &app, const QString &selection)
         ui.message(msg(app, "<spaceForbid>"), UserDialogs::Icon::Warning);
     }
     const QString path = insAutoFile(app);
-    QList<InsertionEntry> entries = Lire_insAuto(path);
+    QList<InsertionEntry> entries = loadInsertions(app);
     const int existing = findInsertion(entries, code);
     if (existing >= 0) {
         if (ui.question(msg(app, "<codeAlreadyExist>")) != UserDialogs::Answer::Yes)

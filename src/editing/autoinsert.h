@@ -17,6 +17,9 @@ struct InsertionEntry
 QString insAutoFile(const AppContext &app);
 // The entries of the file in order; a missing or unreadable file gives none.
 QList<InsertionEntry> Lire_insAuto(const QString &path);
+// The user's table; until the user has one, the table shipped in the program folder. The first
+// change writes the user's own file, which holds the shipped entries from then on.
+QList<InsertionEntry> loadInsertions(const AppContext &app);
 // The count on the first line, then one `"code","text"` line per entry.
 bool writeInsAuto(const QString &path, const QList<InsertionEntry> &entries, QString *error = nullptr);
 // The entry whose code equals `code`, case counting; -1 when none.

@@ -167,7 +167,7 @@ QList<CommandSwitch> selectionCommands(SelectionColumn column, const SelectionFa
     // The text that can be edited: a tune or the file's header.
     set({ "abcedit", "bt_Midi1" }, tune || header);
     set({ "mnu_Morceau", "tunecut", "tunecopy", "tunedel", "tomidi", "printtune", "topdftune" }, tune);
-    set({ "tunepaste" }, tune && facts.tunePending);
+    set({ "tunepaste", "mnu_pasteTune" }, tune && facts.tunePending);
     // A new file needs no selection, so "mnu_doNew0" stays out of this row.
     set({ "mnu_doNew1", "mnu_Outils", "mnu_closeFile", "mnu_ExportFile", "mnu_playTunes", "mnu_saveSelTunes",
             "newtune", "toolsf", "closeabc", "print", "printfile", "topdf", "topdffile", "playfile" },

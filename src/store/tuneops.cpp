@@ -94,6 +94,11 @@ QString CollerTuneSur(AppContext &app, const QString &targetKey, QString &pendin
     const qsizetype cut = pending.indexOf(CRLF);
     const QString kSource = cut < 0 ? pending : pending.left(cut);
     QString text = cut < 0 ? QString() : pending.mid(cut + 2);
+    // Nothing pending, or a key without a tune: there is nothing to paste.
+    if (trimBlanks(text).isEmpty()) {
+        setPasteEnabled(app, false);
+        return {};
+    }
     if (targetKey.contains(key::Trash)) {
         internalError(app, QStringLiteral("* * * Erreur logique : coller dans poubelle ! * * *"));
         return {};
@@ -309,6 +314,8 @@ void mnu_copyTune(AppContext &app)
 
 void mnu_cutTune(AppContext &app)
 {
+    if (app.currentTuneKey.isEmpty())
+        return;
     const QString kFile = app.currentFileKey;
     CouperTune(app, app.currentTuneKey, app.store().pendingTune);
     selectNode(app, kFile);
@@ -324,7 +331,9 @@ void mnu_pasteTune(AppContext &app)
         return;
     }
     const QString kNew = CollerTuneSur(app, app.currentTuneKey, app.store().pendingTune);
-    const QString kFile = kNew.isEmpty() ? app.currentFileKey : GetKFile(kNew);
+    if (kNew.isEmpty())
+        return;
+    const QString kFile = GetKFile(kNew);
     selectNode(app, kNew);
     app.store().SetFlagModifFile(kFile);
     showDoubles(app, kFile);

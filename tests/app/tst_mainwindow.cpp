@@ -4,12 +4,16 @@
 #include "testenv.h"
 #include "testmain.h"
 
+#include "editing/widgets/editcontroller.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/widgets/mainmenus.h"
 #include "frame/widgets/mainstatusbar.h"
 #include "frame/widgets/mainwindow.h"
+#include "playback/widgets/dronepanel.h"
+#include "score/widgets/scorepanel.h"
+#include "store/treedimmer.h"
 #include "store/widgets/explorerpanel.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
@@ -19,7 +23,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -105,7 +111,12 @@ public:
         QApplication::processEvents();
     }
 
+    bool menuOn(const char *name) { return window->menus()->isMenuEnabled(QString::fromLatin1(name)); }
+    EditController &edit() { return *window->editController(); }
+
     test::TestEnv env;
+    // A session on a tune opens the note output: it sounds into a file, never into a device.
+    test::EnvGuard audio { "FENNELWORKS_AUDIO", "file:" + env.path(QStringLiteral("out.wav")).toUtf8() };
     std::unique_ptr<MainWindow> window;
 };
 
@@ -310,6 +321,161 @@ private slots:
         w.click(kFile);
         QVERIFY(w.trigger(QStringLiteral("mnu_closeFile")));
         QCOMPARE(list->topLevelItemCount(), 0);
+    }
+
+    // An edit session closes menus off; its end gives back what the selected node calls for, and
+    // the next click sets them as for any click. "@" stands for the file's key.
+    void commandsAfterSession_data()
+    {
+        QTest::addColumn<QString>("edited");
+        QTest::addColumn<bool>("validate");
+        QTest::addColumn<bool>("copied");
+        QTest::addColumn<QString>("clicked");
+        QTest::addColumn<bool>("tuneMenu");
+        QTest::addColumn<bool>("paste");
+        QTest::addColumn<bool>("tools");
+        QTest::newRow("tune validated") << "@_tune1" << true << false << "" << true << false << true;
+        QTest::newRow("tune cancelled, a tune copied")
+            << "@_tune1" << false << true << "" << true << true << true;
+        QTest::newRow("header validated") << "@_hdrFile" << true << false << "" << false << false << true;
+        QTest::newRow("header cancelled, then a tune")
+            << "@_hdrFile" << false << true << "@_tune3" << true << true << true;
+        QTest::newRow("tune cancelled, then the file")
+            << "@_tune1" << false << true << "@" << false << false << true;
+        QTest::newRow("tune validated, then the root")
+            << "@_tune1" << true << false << "abc" << false << false << false;
+        QTest::newRow("tune cancelled, then the trash")
+            << "@_tune1" << false << true << "_file0" << false << false << false;
+    }
+    void commandsAfterSession()
+    {
+        QFETCH(QString, edited);
+        QFETCH(bool, validate);
+        QFETCH(bool, copied);
+        QFETCH(QString, clicked);
+        QFETCH(bool, tuneMenu);
+        QFETCH(bool, paste);
+        QFETCH(bool, tools);
+        Window w;
+        const QString kFile = w.openNew(QStringLiteral("jigs.abc"));
+        w.window->SimulerNodeClick(w.tune(kFile, 2));
+        QVERIFY(!w.action(QStringLiteral("mnu_pasteTune"))->isEnabled());
+        if (copied)
+            QVERIFY(w.trigger(QStringLiteral("tunecopy")));
+        w.window->SimulerNodeClick(QString(edited).replace(u'@', kFile));
+        w.edit().abcedit();
+        QVERIFY(w.edit().isEditing());
+        QVERIFY(!w.menuOn("mnu_Morceau") && !w.menuOn("mnu_Import") && !w.menuOn("mnu_lst"));
+        QVERIFY(validate ? w.edit().validate() : w.edit().cancel());
+        if (!clicked.isEmpty())
+            w.click(QString(clicked).replace(u'@', kFile));
+
+        QCOMPARE(w.menuOn("mnu_Morceau"), tuneMenu);
+        QCOMPARE(w.action(QStringLiteral("mnu_pasteTune"))->isEnabled(), paste);
+        QCOMPARE(w.action(QStringLiteral("tunepaste"))->isEnabled(), paste);
+        QCOMPARE(w.menuOn("mnu_Outils"), tools);
+        QVERIFY(w.menuOn("mnu_Import"));
+        QVERIFY(!w.menuOn("mnu_lst")); // the choice list is empty
+        QCOMPARE(w.node(kFile)->Image, validate ? Pic::FileAbcM : Pic::FileAbc);
+    }
+
+    // While a tune is edited the tree greys out around it, a search is refused, and the colours
+    // from before (a search's greying) come back at the end.
+    void sessionHoldsTheTree()
+    {
+        Window w;
+        const QString kFile = w.openNew(QStringLiteral("jigs.abc"));
+        const QString t1 = w.tune(kFile, 1);
+        w.app().tree().setForeColor(w.node(w.tune(kFile, 2)), color::TuneLeftOut);
+        w.window->SimulerNodeClick(t1);
+        w.edit().abcedit();
+        QCOMPARE(w.node(t1)->ForeColor, TreeDimmer::EditedNode);
+        QCOMPARE(w.node(w.lineKey(t1, QStringLiteral("T:First")))->ForeColor, TreeDimmer::EditedLine);
+        QCOMPARE(w.node(w.tune(kFile, 3))->ForeColor, color::TuneLeftOut);
+        QCOMPARE(w.node(kFile)->ForeColor, color::TuneLeftOut);
+
+        auto *tabs = w.window->findChild<QTabWidget *>(QStringLiteral("ongl_G"));
+        tabs->setCurrentIndex(1);
+        QCOMPARE(tabs->currentIndex(), 0);
+        QCOMPARE(w.ui().messages(),
+            QStringList { w.app().text(QStringLiteral("Msg"), QStringLiteral("<closeEdBeforeSearch>")) });
+        QCOMPARE(w.app().currentTuneKey, t1);
+
+        QVERIFY(w.edit().cancel());
+        QCOMPARE(w.node(t1)->ForeColor, 0);
+        QCOMPARE(w.node(w.tune(kFile, 2))->ForeColor, color::TuneLeftOut);
+        QCOMPARE(w.node(kFile)->ForeColor, color::File);
+    }
+
+    void newTuneIsEdited_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::newRow("menu") << "mnu_doNew1";
+        QTest::newRow("tool bar") << "newtune";
+    }
+    void newTuneIsEdited()
+    {
+        QFETCH(QString, command);
+        Window w;
+        const QString kFile = w.openNew(QStringLiteral("jigs.abc"));
+        QVERIFY(w.trigger(command));
+        QVERIFY(w.edit().isEditing());
+        QCOMPARE(w.app().currentTuneKey, w.tune(kFile, 4));
+        QVERIFY(w.text()->toPlainText().startsWith(QStringLiteral("X:4")));
+        QVERIFY(!w.text()->isReadOnly());
+    }
+
+    void toolWindowsOpen_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("dialog");
+        QTest::newRow("tempo tapper") << "mnu_toExtras1"
+                                      << "f_tempo";
+        QTest::newRow("automatic insertions") << "mnu_inserAuto"
+                                              << "fp_inser";
+    }
+    void toolWindowsOpen()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, dialog);
+        Window w;
+        QVERIFY(w.trigger(command));
+        QVERIFY(w.trigger(command)); // the open window comes forward, no second one
+        const QList<QDialog *> shown = w.window->findChildren<QDialog *>(dialog);
+        QCOMPARE(shown.size(), 1);
+        QVERIFY(shown.first()->isVisible());
+    }
+
+    // The quit writes what the controls show now: the drone's lowered pitch, and the normal
+    // size's zoom even when the score fills the window.
+    void quitWritesLiveControls_data()
+    {
+        QTest::addColumn<bool>("lowered");
+        QTest::addColumn<bool>("full");
+        QTest::newRow("pitch lowered, normal size") << true << false;
+        QTest::newRow("full panel") << false << true;
+    }
+    void quitWritesLiveControls()
+    {
+        QFETCH(bool, lowered);
+        QFETCH(bool, full);
+        Window w;
+        ScorePanel *score = w.window->scorePanel();
+        score->setZoom(120);
+        if (full) {
+            score->setFullPanel(true);
+            score->setZoom(200);
+        }
+        auto *pitch
+            = w.window->findChild<DronePanel *>()->findChild<QCheckBox *>(QStringLiteral("chk_pitch"));
+        if (lowered)
+            pitch->click();
+        QVERIFY(w.window->close());
+        const IniFile &ini = w.app().ini();
+        QCOMPARE(ini.get(keys::Zoom), QStringLiteral("120"));
+        if (full)
+            QCOMPARE(ini.get(keys::ZoomMax), QStringLiteral("200"));
+        QCOMPARE(ini.getBool(keys::DronePitch), lowered);
     }
 
     // Closing the window asks about the changed file and writes the session; Cancel keeps it all.

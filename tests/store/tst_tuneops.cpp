@@ -106,6 +106,26 @@ private slots:
         QCOMPARE(f.tunes(f.kFile), order);
     }
 
+    // With nothing to paste the command changes nothing: no tune, no changed file.
+    void pasteWithNothingPending_data()
+    {
+        QTest::addColumn<QString>("pending");
+        QTest::newRow("nothing") << "";
+        QTest::newRow("key without text") << "_file1_tune1\r\n";
+        QTest::newRow("blank text") << "_file1_tune1\r\n   ";
+    }
+    void pasteWithNothingPending()
+    {
+        QFETCH(QString, pending);
+        Fixture f;
+        f.current(f.tune(2));
+        f.app().store().pendingTune = pending;
+        mnu_pasteTune(f.app());
+        QCOMPARE(f.tunes(f.kFile), (QStringList { "_tune1=1", "_tune2=2", "_tune3=3" }));
+        QCOMPARE(f.app().tree().find(f.kFile)->Image, Pic::FileAbc);
+        QVERIFY(!f.app().commands().isEnabled(QStringLiteral("mnu_pasteTune")));
+    }
+
     void pasteIntoAnotherFile()
     {
         Fixture f;

@@ -16,6 +16,7 @@
 #include "playback/widgets/dronepanel.h"
 #include "playback/widgets/playerpanel.h"
 #include "score/widgets/scorepanel.h"
+#include "store/treedimmer.h"
 #include "store/widgets/treeview.h"
 
 #include <QAbstractButton>
@@ -43,7 +44,10 @@ namespace {
 
 const QString kAbcEdit = QStringLiteral("abcedit");
 // What would leave the tune: another file, another tune, the list, an import, a whole-file tool.
-const char *const kClosedMenus[] = { "mnu_Fichier", "mnu_Morceau", "mnu_lst", "mnu_Import", "mnu_Outils" };
+// The other tools (tempo, insertions, consoles) stay at hand while typing.
+const QStringList kClosedCommands = { QStringLiteral("mnu_Fichier"), QStringLiteral("mnu_Morceau"),
+    QStringLiteral("mnu_lst"), QStringLiteral("mnu_Import"), QStringLiteral("mnu_fileTools0"),
+    QStringLiteral("mnu_extract"), QStringLiteral("mnu_showDoublons"), QStringLiteral("mnu_toExtras0") };
 
 QAction *barAction(QToolBar *bar, const char *name, const char *icon)
 {
@@ -63,6 +67,7 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
     , m_panel(panel)
     , m_editorObject(panel->editor())
     , m_session(new EditSession(app, this))
+    , m_dimmer(std::make_unique<TreeDimmer>(app.tree()))
     , m_bar(new QToolBar)
 {
     QPlainTextEdit *editor = m_panel->editor();
@@ -245,6 +250,7 @@ void EditController::abcedit()
     m_panel->setLocked(false);
     editor->setFocus();
     closeWindow(true);
+    m_dimmer->ToggleEnabledTree(true, m_editedKey);
     setSessionLook(true);
     m_undo->setEnabled(false);
     fillTemplates(); // templates may have been added to the folder since the last session
@@ -264,8 +270,12 @@ bool EditController::validate()
     if (!isEditing())
         return false;
     const bool tune = isEditingTune();
-    if (!m_session->validate(m_panel->editor()->toPlainText()))
+    // The kept colours go back before the text rebuilds the edited nodes.
+    m_dimmer->ToggleEnabledTree(false);
+    if (!m_session->validate(m_panel->editor()->toPlainText())) {
+        m_dimmer->ToggleEnabledTree(true, m_editedKey);
         return false;
+    }
     // The old version of the tune must not go on sounding.
     if (tune && m_player && m_player->hasPerformance())
         m_player->pressStop();
@@ -367,11 +377,12 @@ void EditController::closeWindow(bool closed)
     }
     if (m_mainBar)
         m_mainBar->setEnabled(!closed);
-    if (!m_menus)
-        return;
-    for (const char *name : kClosedMenus) {
-        if (QMenu *menu = m_menus->menu(QString::fromLatin1(name)))
-            menu->menuAction()->setEnabled(!closed);
+    // Through the command state, so that the end gives back what the selection calls for.
+    if (closed) {
+        m_app.commands().hold(kClosedCommands);
+    } else {
+        m_dimmer->ToggleEnabledTree(false);
+        m_app.commands().release();
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QTextCursor>
 
 #include <functional>
+#include <memory>
 
 class QAction;
 class QCheckBox;
@@ -27,6 +28,7 @@ class MainMenus;
 class MidiOut;
 class PlayerPanel;
 class ScorePanel;
+class TreeDimmer;
 class TreeView;
 
 // The edit session in the window: the tool bar `tb_edit` above the text, the keys of `txt_ABC`,
@@ -78,6 +80,8 @@ public:
     void domodel();
     // F3: the code at the caret, or the selected one, becomes its stored text.
     void insertion_auto();
+    // An insertion chosen in its window goes in at the caret; false when no session runs.
+    bool insertText(const QString &text);
     // Alt+F3: stores the selection under a code the user gives.
     void defineInsertion();
     // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
@@ -110,6 +114,7 @@ private:
     // Compared in the event filter, which also sees the events of the panel's destruction.
     QObject *m_editorObject;
     EditSession *m_session;
+    std::unique_ptr<TreeDimmer> m_dimmer;
     QToolBar *m_bar;
     QAction *m_edit;
     QAction *m_ok;

@@ -101,7 +101,7 @@ void EditController::insertion_auto()
         cursor.setPosition(int(word.start + word.length), QTextCursor::KeepAnchor);
     }
     const QString code = trimBlanks(cursor.selectedText());
-    const QList<InsertionEntry> entries = Lire_insAuto(insAutoFile(m_app));
+    const QList<InsertionEntry> entries = loadInsertions(m_app);
     const int found = findInsertion(entries, code);
     if (found < 0) {
         cursor.setPosition(cursor.selectionEnd());
@@ -113,6 +113,16 @@ void EditController::insertion_auto()
     cursor.insertText(text.replace(CRLF, QStringLiteral("\n")));
     editor->setTextCursor(cursor);
     m_panel->ColorerABC();
+}
+
+bool EditController::insertText(const QString &text)
+{
+    if (!isEditing())
+        return false;
+    QString plain = text;
+    m_panel->editor()->textCursor().insertText(plain.replace(CRLF, QStringLiteral("\n")));
+    m_panel->ColorerABC();
+    return true;
 }
 
 void EditController::defineInsertion()

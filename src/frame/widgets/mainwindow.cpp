@@ -2,6 +2,7 @@
 
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
+#include "editing/widgets/insertiondialog.h"
 #include "finding/duplicates.h"
 #include "finding/widgets/filterpanel.h"
 #include "frame/appcontext.h"
@@ -20,6 +21,7 @@
 #include "frame/widgets/widgetdialogs.h"
 #include "playback/widgets/dronepanel.h"
 #include "playback/widgets/playerpanel.h"
+#include "playback/widgets/tempodialog.h"
 #include "score/widgets/scorepanel.h"
 #include "store/filecommands.h"
 #include "store/trashbox.h"
@@ -43,12 +45,15 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <QSlider>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <type_traits>
 
 namespace fenwork {
 
@@ -324,7 +329,13 @@ void MainWindow::connectCommands()
     on({ "mnu_pasteTune", "tunepaste" }, [&app] { mnu_pasteTune(app); });
     on({ "mnu_delTune0", "tunedel" }, [&app] { mnu_delTune(app, 0); });
     on({ "mnu_delTune1" }, [&app] { mnu_delTune(app, 1); });
-    on({ "mnu_doNew1", "newtune" }, [&app] { CreateNewTune(app); });
+    // A new tune is there to be written: the session starts on it at once.
+    on({ "mnu_doNew1", "newtune" }, [this] {
+        if (!CreateNewTune(m_app).isEmpty())
+            m_edit->abcedit();
+    });
+    on({ "mnu_toExtras1" }, [this] { showToolWindow<TempoDialog>(); });
+    on({ "mnu_inserAuto" }, [this] { showToolWindow<InsertionDialog>(); });
     on({ "mnu_impClipboard" }, [&app] { mnu_impClipboard(app); });
     on({ "mnu_Quitter" }, [this] { close(); });
     on({ "key_F5" }, [this] { m_edit->key_F5(); });
@@ -493,8 +504,32 @@ void MainWindow::tr_ABC_ContextMenu(const QString &, const QPoint &globalPos)
         m_menus->popupFileMenu(globalPos);
 }
 
+// The small tool windows stay open beside the work; a second call brings the open one forward.
+template <class Dialog> void MainWindow::showToolWindow()
+{
+    auto *dialog = findChild<Dialog *>(QString(), Qt::FindDirectChildrenOnly);
+    if (!dialog) {
+        dialog = new Dialog(m_app, this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        if constexpr (std::is_same_v<Dialog, InsertionDialog>)
+            dialog->insertText = [this](const QString &text) { return m_edit->insertText(text); };
+    }
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+}
+
 void MainWindow::ongl_G_Click(int index)
 {
+    // A search moves the selection, which belongs to the session until it ends.
+    if (m_tabs->widget(index) == m_filter && m_edit->isEditing()) {
+        {
+            const QSignalBlocker block(m_tabs);
+            m_tabs->setCurrentWidget(m_explorer);
+        }
+        m_app.ui().message(m_app.text(kMsg, QStringLiteral("<closeEdBeforeSearch>")));
+        return;
+    }
     // Each tab starts from no selection, so that no command works on a node out of sight.
     SimulerNodeClick(key::Root);
     if (QWidget *panel = m_tabs->widget(index))

@@ -82,6 +82,7 @@ private:
     void tr_ABC_DblClick();
     void tr_ABC_ContextMenu(const QString &key, const QPoint &globalPos);
     void ongl_G_Click(int index);
+    template <class Dialog> void showToolWindow();
     void showFilterState(bool active);
 
     AppContext &m_app;

@@ -11,6 +11,7 @@
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "frame/windowsession.h"
+#include "playback/widgets/dronepanel.h"
 #include "score/widgets/scorepanel.h"
 #include "store/filecommands.h"
 #include "store/node.h"
@@ -125,9 +126,14 @@ bool MainWindow::Form_Unload()
     state.choiceListKeys = m_explorer->choiceListKeys();
     state.geometry = currentGeometry();
     state.kept = m_kept;
-    state.kept.zoom = QString::number(m_score->zoom());
-    state.kept.scrollHScore = QString::number(m_score->scrollH());
+    // The score writes the size it stands in; the other size's values were stored when the
+    // panel changed size, so a quit in the full panel keeps the normal zoom apart.
+    m_score->saveSettings();
+    state.kept.zoom = ini.get(keys::Zoom);
+    state.kept.scrollHScore = ini.get(keys::ScrollHScore);
     state.kept.tablaturesIndex = QString::number(m_score->tablatureRow());
+    if (const auto *drone = findChild<DronePanel *>(QStringLiteral("pic_drone")))
+        state.kept.dronePitch = drone->lowered() ? QStringLiteral("1") : QStringLiteral("0");
     writeSessionAtQuit(m_app, state);
     return true;
 }

@@ -261,9 +261,9 @@ void DronePanel::loadDrones()
     droneNameEdited(m_names->currentText());
 }
 
-void DronePanel::writeSettings()
+bool DronePanel::lowered() const
 {
-    m_app.ini().setBool(keys::DronePitch, m_drone->lowered());
+    return m_pitch->isChecked();
 }
 
 void DronePanel::showState()

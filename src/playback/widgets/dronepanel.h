@@ -35,8 +35,8 @@ public:
     void LoadLang();
     // Refills lst_droneNames from the drone folder and gives its box a free "NewDrone" name.
     void loadDrones();
-    // At quit: the lowered pitch goes to the settings.
-    void writeSettings();
+    // chk_pitch as it stands: written to the settings at quit.
+    bool lowered() const;
 
 public slots:
     // The player's Stop and the edit session switch the drone off.

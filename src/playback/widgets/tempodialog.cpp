@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
@@ -91,7 +92,7 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
 
     m_stop = new QPushButton(app.text(QStringLiteral("TTText"), QStringLiteral("<stop>")), this);
     m_stop->setObjectName(QStringLiteral("bt_stop"));
-    auto *help = new QPushButton(text("<hlp>"), this);
+    auto *help = m_help = new QPushButton(text("<hlp>"), this);
     help->setObjectName(QStringLiteral("bt_hlp"));
     connect(m_stop, &QPushButton::clicked, this, &TempoDialog::bt_stop_Click);
     connect(help, &QPushButton::clicked, this, &TempoDialog::helpRequested);
@@ -125,6 +126,13 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
 }
 
 TempoDialog::~TempoDialog() = default;
+
+void TempoDialog::showEvent(QShowEvent *event)
+{
+    // A help button that opens nothing would only puzzle: it shows once a page is there to open.
+    m_help->setVisible(isSignalConnected(QMetaMethod::fromSignal(&TempoDialog::helpRequested)));
+    QDialog::showEvent(event);
+}
 
 void TempoDialog::keyPressEvent(QKeyEvent *event)
 {

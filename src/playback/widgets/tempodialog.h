@@ -35,6 +35,7 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void showState();
@@ -48,6 +49,7 @@ private:
     QLabel *m_periodValue = nullptr;
     QTimer *m_cumul = nullptr; // tm_cumul
     QPushButton *m_stop = nullptr; // bt_stop
+    QPushButton *m_help = nullptr; // bt_hlp
 };
 
 } // namespace fenwork

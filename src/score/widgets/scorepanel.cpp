@@ -299,6 +299,11 @@ void ScorePanel::requestRefresh(const QString &text)
 
 void ScorePanel::stepPage(int delta)
 {
+    // A page typed into the box is where the arrows start from.
+    bool typed = false;
+    const int shown = m_page->text().toInt(&typed);
+    if (typed && shown > 0)
+        m_pageValue = shown;
     m_pageValue = qMax(1, m_pageValue + delta);
     m_page->setText(QString::number(m_pageValue));
     Request request;
