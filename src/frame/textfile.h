@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+class QFileDevice;
+
 namespace fenwork {
 
 enum class TextEncoding { Utf8, Latin1 };
@@ -47,7 +49,7 @@ using BeforeRenameHook = bool (*)(const QString &target);
 void setBeforeRenameHook(BeforeRenameHook hook);
 
 // The description of a failed write on `file`, for `path`: a full disk says so.
-QString writeFailure(const class QFileDevice &file, const QString &path);
+QString writeFailure(const QFileDevice &file, const QString &path);
 
 // Whether a header text asks for Latin-1 through %%abc-charset.
 bool headerDeclaresLatin1(const QString &headerText);
