@@ -137,6 +137,13 @@ private slots:
             file.write("%%abc-alias none\nX:1\nT:Planxty\nK:D\nabc|\n");
         }
         const QString wanted = here.filePath(name);
+        // The backup is the outward sign that a file is being opened, and of which one.
+        const IniFile ini(root.filePath(QStringLiteral("fenwork.ini")));
+        ini.set(keys::FichBak, QStringLiteral("1"));
+        const auto opened = [&] {
+            QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(wanted + QStringLiteral(".BAK")), 30000);
+            QTest::qWait(500);
+        };
 
         QProcess first;
         if (handedOver) {
@@ -146,13 +153,12 @@ private slots:
             startProgram(second, root.path(), { name }, {}, here.path());
             QVERIFY(second.waitForFinished(10000));
             QCOMPARE(second.exitCode(), 0);
-            QTest::qWait(500);
         } else {
             startProgram(first, root.path(), { name }, {}, here.path());
-            QVERIFY(waitUntilReady(root.path()));
         }
+        opened();
+        QVERIFY(!QFile::exists(elsewhere.filePath(name) + QStringLiteral(".BAK")));
         QVERIFY(quit(first));
-        const IniFile ini(root.filePath(QStringLiteral("fenwork.ini")));
         QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
         QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), wanted);
         QCOMPARE(ini.getValue(QStringLiteral("Recents"), QStringLiteral("R1"), {}), wanted);

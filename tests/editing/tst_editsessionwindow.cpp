@@ -15,6 +15,7 @@
 #include "score/widgets/scorepanel.h"
 #include "frame/session.h"
 #include "store/node.h"
+#include "store/treeops.h"
 #include "store/tuneops.h"
 #include "store/tunestore.h"
 #include "store/widgets/treemodel.h"
@@ -26,6 +27,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
