@@ -23,13 +23,15 @@ void writeBytes(const QByteArray &bytes, FILE *stream)
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
 }
 
-// Opens a file as the program does on its open command: backup per the settings, the
-// read-only attribute as the file has it, but the alias is never asked. Empty on failure, the
-// reason already on standard error.
-QString openFile(AppContext &app, const QString &argument)
+// Opens a file as the program does on its open command: the read-only attribute as the file has
+// it, but the alias is never asked. The backup is made, per the settings, only by a command that
+// writes the file back; the others leave every file but their output as it was. Empty on
+// failure, the reason already on standard error.
+QString openFile(AppContext &app, const QString &argument, bool backup)
 {
     const QFileInfo info(argument);
     const QString path = info.absoluteFilePath();
+    app.store().backupOnOpen = backup;
     return app.store().FichierOuvrir(path, false, true, info.exists() && !info.isWritable());
 }
 
@@ -78,6 +80,7 @@ QString helpText()
                "                      (see below).\n"
                "  help, --help, -h    Print this text.\n"
                "\n"
+               "Only normalize writes IN.BAK; the other commands leave IN and its backup as they are.\n"
                "Settings and language are read from the user root: FENNELWORKS_ROOT when set, else\n"
                "~/.local/share/Fennelworks (created when missing). Messages go to standard error.\n"
                "\n"
@@ -90,7 +93,7 @@ int normalize(AppContext &app, const QStringList &args)
 {
     if (args.isEmpty() || args.size() > 2)
         return usageError(QStringLiteral("normalize takes IN and an optional OUT"));
-    const QString kFile = openFile(app, args.at(0));
+    const QString kFile = openFile(app, args.at(0), true);
     if (kFile.isEmpty())
         return Failed;
 
@@ -128,7 +131,7 @@ int tree(AppContext &app, const QStringList &args)
 {
     if (args.size() != 1)
         return usageError(QStringLiteral("tree takes one file"));
-    const QString kFile = openFile(app, args.at(0));
+    const QString kFile = openFile(app, args.at(0), false);
     if (kFile.isEmpty())
         return Failed;
     const Node *root = app.tree().root();
@@ -153,7 +156,7 @@ int dupx(AppContext &app, const QStringList &args)
 {
     if (args.size() != 1)
         return usageError(QStringLiteral("dupx takes one file"));
-    const QString kFile = openFile(app, args.at(0));
+    const QString kFile = openFile(app, args.at(0), false);
     if (kFile.isEmpty())
         return Failed;
     int count = 0;

@@ -124,6 +124,8 @@ int runFindCommand(const QStringList &arguments, QTextStream &out, QTextStream &
         app.lang().setName(QStringLiteral("English"));
     app.buildStartupTexts();
     createWorkspaceRoot(app);
+    // Reading only: no backup copy is made.
+    app.store().backupOnOpen = false;
 
     const QString path = QFileInfo(file).absoluteFilePath();
     const QString kFile = app.store().FichierOuvrir(path, false, true, true);

@@ -7,6 +7,7 @@
 #include "frame/paths.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
+#include "frame/toolrunner.h"
 #include "playback/offlinerender.h"
 #include "playback/playerlogic.h"
 #include "playback/playprep.h"
@@ -135,6 +136,8 @@ int runRenderCommand(const QStringList &arguments, QTextStream &out, QTextStream
         app.lang().setName(QStringLiteral("English"));
     app.buildStartupTexts();
     createWorkspaceRoot(app);
+    // Reading only: no backup copy is made.
+    app.store().backupOnOpen = false;
     if (program < 0)
         program = qBound(0, app.ini().getInt(keys::DefaultGM), 127);
 
@@ -161,6 +164,8 @@ int runRenderCommand(const QStringList &arguments, QTextStream &out, QTextStream
     input.tempoDef = app.ini().get(keys::TempoDef);
     PlayOptions options;
     options.gmProgram = program;
+    if (const QString missing = missingToolText(app, Tool::Abc2midi); !missing.isEmpty())
+        return fail(err, missing);
     // As the Play button: the preparation runs again once when the MIDI file does not come.
     QString answer;
     for (int attempt = 1; attempt <= 2; ++attempt) {

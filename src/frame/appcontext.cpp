@@ -6,6 +6,7 @@
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
+#include "frame/userdialogs.h"
 #include "frame/version.h"
 #include "store/recentfiles.h"
 #include "store/tunestore.h"
@@ -27,6 +28,10 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_tools(std::make_unique<ToolRunner>(*this))
 {
     m_store->recent = m_recent.get();
+    m_ini->setWriteFailureHandler([this](const QString &path) {
+        if (m_ui)
+            m_ui->message(text(QStringLiteral("Msg"), QStringLiteral("<iniNotSaved>")) + CRLF + path);
+    });
     m_lang->setName(m_ini->get(keys::Lang));
 }
 

@@ -192,7 +192,7 @@ QString IniFile::writeValue(const QString &section, const QString &key, const QS
         // An existing file that cannot be read must not be replaced by one holding this key alone.
         const std::optional<QByteArray> bytes = readBytes(m_path);
         if (!bytes)
-            return kZero;
+            return failed();
         before = *bytes;
     }
 
@@ -246,12 +246,21 @@ QString IniFile::writeValue(const QString &section, const QString &key, const QS
         return kOne;
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly))
-        return kZero;
+        return failed();
     if (file.write(after) != after.size()) {
         file.cancelWriting();
-        return kZero;
+        return failed();
     }
-    return file.commit() ? kOne : kZero;
+    return file.commit() ? kOne : failed();
+}
+
+QString IniFile::failed() const
+{
+    if (!m_failureTold && m_onFailure) {
+        m_failureTold = true;
+        m_onFailure(m_path);
+    }
+    return kZero;
 }
 
 QString IniFile::get(const SettingKey &key) const

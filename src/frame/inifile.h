@@ -2,6 +2,8 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
+
 namespace fenwork {
 
 struct SettingKey;
@@ -9,7 +11,7 @@ struct SettingKey;
 // The settings store on the classic private-profile format: "[Section]" and "key=value" lines,
 // sections and keys matched without regard to case. Every read and write goes to the file: no
 // cache, so a value written by one dialog is seen at once by every other reader. Never throws;
-// a failed write is simply lost.
+// a failed write is lost, and the first one of a run is reported to the failure handler.
 class IniFile
 {
 public:
@@ -41,8 +43,16 @@ public:
     static QHash<QString, QString> parseValues(const QByteArray &bytes);
     static QString valueKey(const QString &section, const QString &key);
 
+    // Called once, at the first write that could not reach the file (read-only, a folder in its
+    // place ...): settings that silently go unsaved would surprise the user at the next start.
+    void setWriteFailureHandler(std::function<void(const QString &path)> handler) { m_onFailure = std::move(handler); }
+
 private:
+    QString failed() const;
+
     QString m_path;
+    std::function<void(const QString &path)> m_onFailure;
+    mutable bool m_failureTold = false;
 };
 
 } // namespace fenwork

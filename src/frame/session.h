@@ -3,15 +3,18 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 
 namespace fenwork {
 
 class IniFile;
 
-// The whole argument text is one path: quotes of both kinds are removed wherever they stand,
-// then blanks at both ends.
+// The whole argument text is one path. A path that exists as given (blanks at both ends trimmed)
+// is taken as it is; otherwise quotes of both kinds are removed wherever they stand, then blanks
+// at both ends.
 QString cleanCommandLinePath(const QString &argumentText);
+// The warning shown when the path of a command line, or one handed over by a second start, is no
+// file that can be opened.
+QString commandLineNotOpened(const QString &path);
 // Joins argv[1..] with blanks, as the one-string command line it stands for.
 QString commandLineText(const QStringList &arguments);
 
@@ -38,9 +41,18 @@ void writeOpenFiles(AppContext &app, bool reset);
 // Deletes tmp* files directly under the user root and everything in the cache folder.
 void cleanScratchFiles(const Paths &paths);
 
-// The crash signal: a recovery copy left by an edit session that never ended. A copy of it is
-// handed to `openInEditor` and the user is told; the original goes once the message is read.
-// False when there was nothing to recover.
-bool offerRecovery(AppContext &app, const std::function<void(const QString &path)> &openInEditor);
+// The crash signal: a recovery copy left by an edit session that never ended. Its text is moved
+// to user/recovered/ under a name of its date and the tune's title, where it stays until the user
+// deletes it; the user is told that file and asked where to open it.
+struct RecoveryOffer
+{
+    enum class Open { Nowhere, InProgram, InEditor };
+    QString keptFile; // empty when there was nothing to recover
+    Open open = Open::Nowhere;
+};
+RecoveryOffer offerRecovery(AppContext &app);
+
+// "yyyy-MM-dd HH.mm <title>.abc": the title of the first T: line, made safe as a file name.
+QString recoveredFileName(const QString &text, const class QDateTime &when);
 
 } // namespace fenwork

@@ -3,6 +3,7 @@
 #include "textcodecs.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
 
@@ -88,17 +89,44 @@ QByteArray encodeText(const QString &text, TextEncoding encoding)
     return encoding == TextEncoding::Latin1 ? text.toLatin1() : text.toUtf8();
 }
 
+bool checkReadableFile(const QString &path, QString *error)
+{
+    const QFileInfo info(path);
+    QString why;
+    if (!info.exists())
+        why = QStringLiteral("File not found: ") + path;
+    else if (info.isDir())
+        why = QStringLiteral("This is a folder, not a file: ") + path;
+    else if (!info.isFile())
+        why = QStringLiteral("This is not a regular file (a device or a pipe): ") + path;
+    else if (info.size() > kMaxTextFileBytes)
+        why = QStringLiteral("This file is too large to be a text file (over %1 MB): ").arg(kMaxTextFileBytes >> 20)
+            + path;
+    if (error)
+        *error = why;
+    return why.isEmpty();
+}
+
 TextFileResult readTextFile(const QString &path)
 {
     TextFileResult result;
+    if (!checkReadableFile(path, &result.error))
+        return result;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        result.error = file.errorString();
+        result.error = file.errorString() + QStringLiteral(": ") + path;
         return result;
     }
-    const QByteArray bytes = file.readAll();
+    // Bounded even if the file grew since it was looked at.
+    const QByteArray bytes = file.read(kMaxTextFileBytes + 1);
     if (file.error() != QFileDevice::NoError) {
-        result.error = file.errorString();
+        result.error = file.errorString() + QStringLiteral(": ") + path;
+        return result;
+    }
+    if (bytes.size() > kMaxTextFileBytes) {
+        checkReadableFile(path, &result.error);
+        if (result.error.isEmpty())
+            result.error = QStringLiteral("This file is too large to be a text file: ") + path;
         return result;
     }
     file.close();
@@ -108,13 +136,63 @@ TextFileResult readTextFile(const QString &path)
     return result;
 }
 
+namespace {
+BeforeRenameHook g_beforeRename = nullptr;
+}
+
+void setBeforeRenameHook(BeforeRenameHook hook)
+{
+    g_beforeRename = hook;
+}
+
+QString writeFailure(const QFileDevice &file, const QString &path)
+{
+    if (file.error() == QFileDevice::ResourceError)
+        return QStringLiteral("The disk is full: ") + path + QStringLiteral(" could not be written.");
+    const QString why = file.errorString();
+    return (why.isEmpty() || why == u"Unknown error" ? QStringLiteral("Write error") : why) + QStringLiteral(": ")
+        + path;
+}
+
+bool copyFileSafely(const QString &from, const QString &to, QString *error)
+{
+    QString why;
+    const auto fail = [&](const QString &description) {
+        if (error)
+            *error = description;
+        return false;
+    };
+    if (!checkReadableFile(from, &why))
+        return fail(why);
+    QFile source(from);
+    if (!source.open(QIODevice::ReadOnly))
+        return fail(source.errorString() + QStringLiteral(": ") + from);
+    QSaveFile target(to);
+    if (!target.open(QIODevice::WriteOnly))
+        return fail(writeFailure(target, to));
+    QByteArray chunk;
+    while (!(chunk = source.read(1 << 20)).isEmpty()) {
+        if (target.write(chunk) != chunk.size())
+            return fail(writeFailure(target, to));
+    }
+    if (source.error() != QFileDevice::NoError)
+        return fail(source.errorString() + QStringLiteral(": ") + from);
+    if (g_beforeRename && !g_beforeRename(to))
+        return fail(QStringLiteral("Copy abandoned before it replaced ") + to);
+    if (!target.commit())
+        return fail(writeFailure(target, to));
+    if (error)
+        error->clear();
+    return true;
+}
+
 bool writeTextFile(const QString &path, const QString &text, TextEncoding encoding, QString *error)
 {
     const QByteArray bytes = encodeText(text, encoding);
     QSaveFile file(path);
     auto fail = [&]() {
         if (error)
-            *error = file.errorString();
+            *error = writeFailure(file, path);
         file.cancelWriting();
         return false;
     };
@@ -124,7 +202,7 @@ bool writeTextFile(const QString &path, const QString &text, TextEncoding encodi
         return fail();
     if (!file.commit()) {
         if (error)
-            *error = file.errorString();
+            *error = writeFailure(file, path);
         return false;
     }
     if (error)

@@ -3,6 +3,7 @@
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
+#include "frame/paths.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/textfile.h"
@@ -98,12 +99,50 @@ QString toolPath(const AppContext &app, Tool tool)
     const QString set = app.ini().get(pathKey(tool));
     if (!set.isEmpty() && QFileInfo(set).isFile())
         return set;
-    const QString found = QStandardPaths::findExecutable(toolName(tool));
-    if (!found.isEmpty())
-        return found;
-    // Nothing to run: the start fails and the caller's wait runs into its limit.
-    return set.isEmpty() ? toolName(tool) : set;
+    // The program's own tools folder, PATH, then /usr/bin, where Debian puts them even when the
+    // environment's PATH leaves that folder out.
+    return defaultToolPath(app.paths(), toolName(tool));
 }
+
+QString missingToolText(const AppContext &app, Tool tool)
+{
+    const QFileInfo found(toolPath(app, tool));
+    if (found.isFile() && found.isExecutable())
+        return {};
+    const QString name = toolName(tool);
+    QStringList places;
+    const QString set = app.ini().get(pathKey(tool));
+    if (!set.isEmpty())
+        places << set;
+    places << app.paths().inProgram(QStringLiteral("tools/") + name);
+    const QStringList path = qEnvironmentVariable("PATH").split(u':', Qt::SkipEmptyParts);
+    for (const QString &folder : path)
+        places << QDir(folder).filePath(name);
+    places << QStringLiteral("/usr/bin/") + name;
+    places.removeDuplicates();
+    const QString msg = QStringLiteral("Msg");
+    return app.text(msg, QStringLiteral("<toolMissing>")) + u' ' + name + CRLF + app.text(msg, QStringLiteral("<toolLooked>"))
+        + CRLF + QStringLiteral("  ") + places.join(CRLF + QStringLiteral("  ")) + CRLF
+        + app.text(msg, QStringLiteral("<toolInstall>"));
+}
+
+namespace {
+
+// A converter that is not there is named, with where it was looked for; anything else keeps the
+// system's words.
+QString startFailure(const AppContext &app, const QString &program, const QString &systemText)
+{
+    for (const Tool tool : { Tool::Abc2ps, Tool::Abc2midi, Tool::Abc2abc, Tool::Midi2abc }) {
+        if (program == toolPath(app, tool)) {
+            const QString missing = missingToolText(app, tool);
+            if (!missing.isEmpty())
+                return missing;
+        }
+    }
+    return systemText + QStringLiteral(": ") + program;
+}
+
+} // namespace
 
 QString toolOptions(const AppContext &app, Tool tool)
 {
@@ -295,7 +334,7 @@ bool ToolRunner::startCommand(const QString &command, int windowMode, QString *e
     m_started << started;
     if (!process->waitForStarted(10000)) {
         if (error)
-            *error = process->errorString();
+            *error = startFailure(m_app, parsed.program, process->errorString());
         return false;
     }
     return true;

@@ -18,8 +18,12 @@ enum class Tool { Abc2ps, Abc2midi, Abc2abc, Midi2abc };
 inline const QString kWaitEscape = QStringLiteral("* * * Escape * * *");
 inline const QString kWaitTimeout = QStringLiteral("* * * File Timeout * * *");
 
-// The tool's program: the setting when it names an existing file, else the tool found on PATH.
+// The tool's program: the setting when it names an existing file, else the tool in the program's
+// tools folder, on PATH, or in /usr/bin.
 QString toolPath(const AppContext &app, Tool tool);
+// Empty when the tool can be run; otherwise the message that names it and every place it was
+// looked for.
+QString missingToolText(const AppContext &app, Tool tool);
 // The tool's option string as set, with its own surrounding blanks.
 QString toolOptions(const AppContext &app, Tool tool);
 // The bare program name of a tool ("abcm2ps", "abc2midi" ...).

@@ -115,6 +115,21 @@ ScoreOutcome ScoreRefresher::PartitionRefresh(
 
     ToolRunner &tools = m_app.tools();
     const QString cache = tools.cacheFolder();
+    // A missing engraver is said as such, not as a text it could not read.
+    if (const QString missing = missingToolText(m_app, Tool::Abc2ps); !missing.isEmpty()) {
+        outcome.picture = ScoreOutcome::Picture::Blank;
+        outcome.image = loadBlank(&outcome.imagePath);
+        outcome.pageText = ScoreOutcome::PageText::Cleared;
+        if (speaks) {
+            ui.statusMessage(CRLF + u' ' + missing);
+            if (!m_missingToolTold || force) {
+                m_missingToolTold = true;
+                ui.setBusy(false);
+                ui.message(missing, UserDialogs::Icon::Warning);
+            }
+        }
+        return outcome;
+    }
 
     // The text as the tool reads it: UTF-8, unless the header asks for Latin-1.
     QString text = crlfLines(scoreText(source));

@@ -73,6 +73,7 @@ private:
     AppContext &m_app;
     QString m_blankPicture;
     bool m_manualOnly = false;
+    bool m_missingToolTold = false; // the box for a missing engraver is shown once, then the strip
 };
 
 } // namespace fenwork

@@ -262,6 +262,7 @@ QString TuneStore::AddStringFile(const QString &path, const QString &text, bool 
             ui.setBusy(true);
         }
         CompterTunesDansFichier(m_app, kFile);
+        CompterFiles(m_app);
         ui.showProgress(false);
         return kFile;
     }

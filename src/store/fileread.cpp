@@ -94,13 +94,24 @@ void unglueRepeats(QString &text)
 
 bool normaliseAbcText(QString &text, UserDialogs *ui, QString *error)
 {
-    // Every convention of line end, also mixed, becomes CR LF.
-    const QString nulPair(2, QChar(0));
-    const QChar lf(u'\n'), cr(u'\r');
-    text = replaceAll(text, CRLF, nulPair);
-    text = replaceAll(text, QStringView(&lf, 1), nulPair);
-    text = replaceAll(text, QStringView(&cr, 1), nulPair);
-    text = replaceAll(text, nulPair, CRLF);
+    // Every convention of line end, also mixed, becomes CR LF. One pass, with no stand-in
+    // character: a NUL the file itself holds must stay a NUL, not turn into a line break.
+    {
+        QString out;
+        out.reserve(text.size() + text.size() / 32);
+        const qsizetype n = text.size();
+        for (qsizetype i = 0; i < n; ++i) {
+            const QChar c = text.at(i);
+            if (c == u'\r' || c == u'\n') {
+                out.append(CRLF);
+                if (c == u'\r' && i + 1 < n && text.at(i + 1) == u'\n')
+                    ++i;
+            } else {
+                out.append(c);
+            }
+        }
+        text = std::move(out);
+    }
 
     text = trimBlanks(text);
     // A file of blanks and line ends only is as empty as a file of nothing.
@@ -151,8 +162,11 @@ bool normaliseAbcText(QString &text, UserDialogs *ui, QString *error)
     return true;
 }
 
-QString TuneStore::FichierOuvrir(const QString &path, bool inTrash, bool noAsk, bool readOnly)
+QString TuneStore::FichierOuvrir(const QString &given, bool inTrash, bool noAsk, bool readOnly)
 {
+    // The tree, the recent list and the open-file list keep the path: a relative one would name
+    // another file once the program runs from another folder.
+    const QString path = given.isEmpty() ? given : QFileInfo(given).absoluteFilePath();
     UserDialogs &ui = m_app.ui();
     WorkspaceTree &tree = m_app.tree();
     BusyScope busy(ui);
@@ -177,20 +191,15 @@ QString TuneStore::FichierOuvrir(const QString &path, bool inTrash, bool noAsk, 
     ui.showProgress(true);
     yield(&ui, QStringLiteral("..."));
 
-    const QFileInfo info(path);
-    if (!info.exists())
-        return fail(QStringLiteral("File not found: ") + path);
-    if (info.isDir())
-        return fail(QStringLiteral("Path is a folder, not a file: ") + path);
+    QString why;
+    if (!checkReadableFile(path, &why))
+        return fail(why);
 
-    if (!inTrash && m_app.ini().get(keys::FichBak) == u"1") {
+    if (!inTrash && backupOnOpen && m_app.ini().get(keys::FichBak) == u"1") {
         yield(&ui, QStringLiteral("Save BAK..."));
-        const QString backup = path + QStringLiteral(".BAK");
-        QFile::remove(backup);
-        QFile source(path);
-        if (!source.copy(backup))
-            return fail(QStringLiteral("Can't make the backup copy ") + backup + QStringLiteral(": ")
-                        + source.errorString());
+        // The old copy stays until the new one is whole.
+        if (!copyFileSafely(path, path + QStringLiteral(".BAK"), &why))
+            return fail(QStringLiteral("Can't make the backup copy: ") + why);
     }
 
     yield(&ui, QStringLiteral("Open..."));

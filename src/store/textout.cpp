@@ -18,12 +18,19 @@ namespace fenwork {
 
 namespace {
 
-// Header lines go out unless they were read from an included file (or, for a tool, unless they
-// are the include line itself).
-void appendHeaderLines(StrBuild &out, const Node *header, bool expandIncludes)
+// Lines the program shows for an include (the lines it read, or the note that the file was not
+// found) are never part of the user's text: a save writing them back would include them again at
+// the next open. A tool gets the included lines in place of the include line.
+bool isShownForInclude(const Node *line)
 {
-    for (const Node *line : header->children()) {
-        const bool keep = expandIncludes ? line->Image != Pic::Include : line->ForeColor != color::IncludedLine;
+    return line->Key.contains(u"_inclg") || line->Key.endsWith(u"_err");
+}
+
+void appendLines(StrBuild &out, const Node *group, bool expandIncludes)
+{
+    for (const Node *line : group->children()) {
+        const bool keep = expandIncludes ? line->Image != Pic::Include && !line->Key.endsWith(u"_err")
+                                         : !isShownForInclude(line);
         if (keep) {
             out.Append(line->Text);
             out.Append(CRLF);
@@ -48,15 +55,9 @@ QString TuneStore::GetStringTune(const QString &kTune, bool expandIncludes, int 
     }
     out.Append(CRLF);
     if (const Node *header = tune->child(0))
-        appendHeaderLines(out, header, expandIncludes);
-    // Body lines all go out, the lines of an include among them: the asymmetry with the header
-    // is how saved files have always looked.
-    if (const Node *body = tune->child(1)) {
-        for (const Node *line : body->children()) {
-            out.Append(line->Text);
-            out.Append(CRLF);
-        }
-    }
+        appendLines(out, header, expandIncludes);
+    if (const Node *body = tune->child(1))
+        appendLines(out, body, expandIncludes);
     return out.Value();
 }
 
@@ -67,7 +68,7 @@ QString TuneStore::GetStringHdrFile(const QString &kFile, bool expandIncludes) c
     if (!header)
         return {};
     StrBuild out;
-    appendHeaderLines(out, header, expandIncludes);
+    appendLines(out, header, expandIncludes);
     return out.Value();
 }
 

@@ -193,8 +193,10 @@ void TuneStore::InclureDans(const QString &path, Node *node, const QString &line
     QString error;
     const QFileInfo info(name);
     if (!info.isFile()) {
-        Node *err = tree.addChild(parent, node->Key + QStringLiteral("_err"),
-                                  QStringLiteral("% !!! ERR !!! : file not found"), Pic::NoAbc, &error);
+        // A folder or a device is there, but cannot be read as lines: say which it is.
+        const QString why = info.exists() ? QStringLiteral("% !!! ERR !!! : not a file (a folder, a device or a pipe)")
+                                          : QStringLiteral("% !!! ERR !!! : file not found");
+        Node *err = tree.addChild(parent, node->Key + QStringLiteral("_err"), why, Pic::NoAbc, &error);
         if (!err) {
             m_app.ui().contextError(QStringLiteral("IncludeIn"), error);
             return;

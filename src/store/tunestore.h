@@ -60,6 +60,9 @@ public:
     void setFileEncoding(const QString &kFile, TextEncoding encoding) { m_encodings.insert(kFile, encoding); }
     void forgetFile(const QString &kFile) { m_encodings.remove(kFile); }
 
+    // Opening copies the file to "<path>.BAK" when the setting asks; commands that only read a
+    // file turn this off, so that they write nothing but their own output.
+    bool backupOnOpen = true;
     // The trash box changed since it was loaded: it is written back at quit.
     bool trashChanged = false;
     // The recent-files list that opening adds to; may be null.

@@ -40,8 +40,10 @@ void writeQuietSettings(const QString &root, const QString &language = QStringLi
 }
 
 void startProgram(QProcess &process, const QString &root, const QStringList &arguments = {},
-                  const QString &programFolder = {})
+                  const QString &programFolder = {}, const QString &workingFolder = {})
 {
+    if (!workingFolder.isEmpty())
+        process.setWorkingDirectory(workingFolder);
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("FENNELWORKS_ROOT"), root);
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
@@ -135,6 +137,63 @@ private slots:
         QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
         QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), tune);
         QCOMPARE(ini.getValue(QStringLiteral("Recents"), QStringLiteral("R1"), {}), tune);
+    }
+
+    // A relative name with apostrophes, given in one folder, opens that very file, not one of the
+    // same name where the first instance runs; the session keeps it absolute, so that a start from
+    // a third folder reopens it.
+    void relativePathFromAnotherFolder_data()
+    {
+        QTest::addColumn<bool>("handedOver");
+        QTest::newRow("command line") << false;
+        QTest::newRow("handed over by a second start") << true;
+    }
+    void relativePathFromAnotherFolder()
+    {
+        QFETCH(bool, handedOver);
+        QTemporaryDir root, here, elsewhere, third;
+        writeQuietSettings(root.path());
+        const QString name = QStringLiteral("O'Carolan's tunes.abc");
+        for (QTemporaryDir *folder : { &here, &elsewhere }) {
+            QFile file(folder->filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("%%abc-alias none\nX:1\nT:Planxty\nK:D\nabc|\n");
+        }
+        const QString wanted = here.filePath(name);
+        // The backup is the outward sign that a file is being opened, and of which one.
+        const IniFile ini(root.filePath(QStringLiteral("fenwork.ini")));
+        ini.set(keys::FichBak, QStringLiteral("1"));
+        const auto opened = [&] {
+            QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(wanted + QStringLiteral(".BAK")), 30000);
+            QTest::qWait(500);
+        };
+
+        QProcess first;
+        if (handedOver) {
+            startProgram(first, root.path(), {}, {}, elsewhere.path());
+            QVERIFY(waitUntilReady(root.path()));
+            QProcess second;
+            startProgram(second, root.path(), { name }, {}, here.path());
+            QVERIFY(second.waitForFinished(10000));
+            QCOMPARE(second.exitCode(), 0);
+        } else {
+            startProgram(first, root.path(), { name }, {}, here.path());
+        }
+        opened();
+        QVERIFY(!QFile::exists(elsewhere.filePath(name) + QStringLiteral(".BAK")));
+        QVERIFY(quit(first));
+        QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
+        QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), wanted);
+        QCOMPARE(ini.getValue(QStringLiteral("Recents"), QStringLiteral("R1"), {}), wanted);
+
+        // The load makes this folder again: the sign that the restart is up.
+        QVERIFY(QDir(root.filePath(QStringLiteral("user/drone"))).removeRecursively());
+        QProcess again;
+        startProgram(again, root.path(), {}, {}, third.path());
+        QVERIFY(waitUntilReady(root.path()));
+        QVERIFY(quit(again));
+        QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
+        QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), wanted);
     }
 
     // The files of the last run come back at the next start.

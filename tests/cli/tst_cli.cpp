@@ -152,6 +152,30 @@ private slots:
         QCOMPARE(run.out, QByteArray());
     }
 
+    // Commands that only read leave the file and its backup as they were.
+    void readingLeavesBackup_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("tree") << QStringList{ "tree" };
+        QTest::newRow("dupx") << QStringList{ "dupx" };
+        QTest::newRow("find") << QStringList{ "find", "--field", "T", "One" };
+        QTest::newRow("render") << QStringList{ "render", "@", "9", "out.wav" };
+    }
+    void readingLeavesBackup()
+    {
+        QFETCH(QStringList, arguments);
+        Cli cli;
+        const QString in = cli.write(QStringLiteral("t.abc"), kInput);
+        const QString bak = cli.write(QStringLiteral("t.abc.BAK"), "the user's own backup");
+        if (arguments.contains(QStringLiteral("@")))
+            arguments.replace(arguments.indexOf(QStringLiteral("@")), in);
+        else
+            arguments.insert(1, in);
+        cli.run(arguments);
+        QCOMPARE(test::readBytes(bak), QByteArray("the user's own backup"));
+        QCOMPARE(test::readBytes(in), kInput);
+    }
+
     void help()
     {
         Cli cli;

@@ -129,7 +129,8 @@ private slots:
         QTest::newRow("no such tune") << QStringList { "%f", "9", "%o" } << "" << 1 << "X:9";
         QTest::newRow("no such file") << QStringList { "%f.gone", "1", "%o" } << "" << 1 << "";
         QTest::newRow("one voice") << QStringList { "%f", "4", "%o" } << "" << 1 << "V:";
-        QTest::newRow("abc2midi missing") << QStringList { "%f", "1", "%o" } << "tool" << 1 << "MIDI";
+        QTest::newRow("abc2midi missing") << QStringList { "%f", "1", "%o" } << "tool" << 1 << "not found: abc2midi";
+        QTest::newRow("PATH without the tools") << QStringList { "%f", "1", "%o" } << "no PATH" << 0 << "";
         QTest::newRow("SoundFont missing")
             << QStringList { "%f", "1", "%o" } << "soundfont" << 1 << "SoundFont";
         QTest::newRow("output not writable")
@@ -152,10 +153,14 @@ private slots:
         for (QString &argument : arguments)
             argument.replace(QStringLiteral("%f"), abc).replace(QStringLiteral("%o"), wav);
         QByteArray pathVariable;
-        if (setup == u"tool") {
+        if (setup == u"tool" || setup == u"no PATH") {
+            // A setting naming a file that is no program is where the search stops; a setting
+            // naming nothing falls back to PATH, then to /usr/bin.
+            const QString tool = setup == u"tool" ? renderer.write(QStringLiteral("abc2midi"), "not a program")
+                                                  : QStringLiteral("/nonexistent/abc2midi");
             QFile ini(renderer.root() + QStringLiteral("/fenwork.ini"));
             QVERIFY(ini.open(QIODevice::WriteOnly));
-            ini.write("[Tools]\r\nTool2midi=/nonexistent/abc2midi\r\n");
+            ini.write("[Tools]\r\nTool2midi=" + tool.toUtf8() + "\r\n");
             pathVariable = "/nonexistent";
         } else if (setup == u"soundfont") {
             const QString font = renderer.write(QStringLiteral("broken.sf2"), QByteArray(4096, 'x'));
@@ -166,6 +171,7 @@ private slots:
         const CliRun run = renderer.run(arguments, pathVariable);
         QCOMPARE(run.exitCode, exitCode);
         QVERIFY2(run.err.contains(said.toUtf8()), run.err.constData());
+        QVERIFY2(!run.err.contains("Check its text"), run.err.constData());
         if (exitCode == 1 && setup != u"")
             QVERIFY(!QFileInfo::exists(wav) || QFileInfo(wav).size() <= 44);
     }

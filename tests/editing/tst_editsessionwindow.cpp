@@ -15,6 +15,7 @@
 #include "score/widgets/scorepanel.h"
 #include "frame/session.h"
 #include "store/node.h"
+#include "store/treeops.h"
 #include "store/tuneops.h"
 #include "store/tunestore.h"
 #include "store/widgets/treemodel.h"
@@ -26,6 +27,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -549,13 +551,25 @@ private slots:
         AppContext app(Paths(root, QStringLiteral(FENWORK_DATA_DIR)), &ui);
         app.buildStartupTexts();
         QVERIFY(QFile::exists(app.paths().recoverFile()));
-        QString opened;
-        QVERIFY(offerRecovery(app, [&opened](const QString &path) { opened = path; }));
-        QVERIFY2(test::readAll(opened).endsWith(QStringLiteral("d2B2|zq")), qPrintable(test::readAll(opened)));
-        QCOMPARE(ui.messages().size(), 1);
-        QVERIFY(ui.messages().first().startsWith(app.text(QStringLiteral("Msg"), QStringLiteral("<recovTune1>"))));
+        ui.pushAnswer(UserDialogs::Answer::Yes);
+        const RecoveryOffer offer = offerRecovery(app);
+        QCOMPARE(offer.open, RecoveryOffer::Open::InProgram);
+        QCOMPARE(QFileInfo(offer.keptFile).absolutePath(), app.paths().inUser(QStringLiteral("recovered")));
+        QVERIFY2(offer.keptFile.endsWith(QStringLiteral(" First.abc")), qPrintable(offer.keptFile));
+        const QStringList asked = ui.texts(ScriptedDialogs::Kind::Question);
+        QCOMPARE(asked.size(), 1);
+        QVERIFY(asked.first().startsWith(app.text(QStringLiteral("Msg"), QStringLiteral("<recovTune1>"))));
+        QVERIFY(asked.first().contains(offer.keptFile));
         QVERIFY(!QFile::exists(app.paths().recoverFile()));
-        QVERIFY(!offerRecovery(app, {}));
+        QCOMPARE(offerRecovery(app).keptFile, QString());
+
+        // A normal quit empties the cache; the recovered text stays, and opens as a file.
+        cleanScratchFiles(app.paths());
+        QVERIFY2(test::readAll(offer.keptFile).endsWith(QStringLiteral("d2B2|zq")), qPrintable(offer.keptFile));
+        createWorkspaceRoot(app);
+        const QString kFile = app.store().FichierOuvrir(offer.keptFile, false, true, false);
+        QVERIFY(!kFile.isEmpty());
+        QVERIFY(app.store().GetStringFile(kFile, true, false).contains(QStringLiteral("d2B2|zq")));
     }
 
     void headerSession()

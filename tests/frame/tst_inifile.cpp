@@ -89,11 +89,17 @@ private slots:
         QCOMPARE(missing.writeValue(QStringLiteral("General"), QStringLiteral("lang"), QStringLiteral("x")),
             QStringLiteral("0"));
         QVERIFY(!QFileInfo::exists(m_dir.filePath(QStringLiteral("none"))));
-        const IniFile folder(m_dir.path());
+        IniFile folder(m_dir.path());
+        QStringList told;
+        folder.setWriteFailureHandler([&told](const QString &path) { told << path; });
         QCOMPARE(folder.getValue(QStringLiteral("A"), QStringLiteral("b"), QStringLiteral("d")),
             QStringLiteral("d"));
         QCOMPARE(folder.writeValue(QStringLiteral("A"), QStringLiteral("b"), QStringLiteral("c")),
             QStringLiteral("0"));
+        QCOMPARE(folder.writeValue(QStringLiteral("A"), QStringLiteral("e"), QStringLiteral("f")),
+            QStringLiteral("0"));
+        // Said once a run, not at every lost write.
+        QCOMPARE(told, QStringList{ m_dir.path() });
     }
 
     void write_data()

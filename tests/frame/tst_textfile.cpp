@@ -162,6 +162,43 @@ private slots:
         QVERIFY(QFileInfo(m_dir.filePath(QStringLiteral("target-folder"))).isDir());
     }
 
+    // A full disk is said as such, with the file's name.
+    void fullDisk()
+    {
+        QFile full(QStringLiteral("/dev/full"));
+        if (!full.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            QSKIP("no /dev/full here");
+        QCOMPARE(full.write("X:1\n"), qint64(-1));
+        const QString said = writeFailure(full, QStringLiteral("/home/t.abc"));
+        QVERIFY2(said.contains(QStringLiteral("disk is full")) && said.contains(QStringLiteral("/home/t.abc")),
+            qPrintable(said));
+    }
+
+    // A copy replaces its target whole or not at all.
+    void copySafely_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<bool>("copied");
+        QTest::newRow("a file") << "source.abc" << true;
+        QTest::newRow("missing") << "nothing.abc" << false;
+        QTest::newRow("a device") << "/dev/zero" << false;
+    }
+    void copySafely()
+    {
+        QFETCH(QString, source);
+        QFETCH(bool, copied);
+        const QString from = source.startsWith(u'/') ? source : m_dir.filePath(source);
+        writeBytes(m_dir.filePath(QStringLiteral("source.abc")), "X:1 new");
+        const QString to = m_dir.filePath(QStringLiteral("copy.BAK"));
+        writeBytes(to, "old");
+        QString error;
+        QCOMPARE(copyFileSafely(from, to, &error), copied);
+        QCOMPARE(bytesOf(to), copied ? QByteArray("X:1 new") : QByteArray("old"));
+        QCOMPARE(error.isEmpty(), copied);
+        if (!copied)
+            QVERIFY2(error.contains(from), qPrintable(error));
+    }
+
     void declaresLatin1_data()
     {
         // clang-format off

@@ -22,6 +22,22 @@ bool haveTool(const char *name)
     return !QStandardPaths::findExecutable(QString::fromLatin1(name)).isEmpty();
 }
 
+// The command of each converter, as its callers build it.
+QString commandFor(const AppContext &app, Tool tool)
+{
+    switch (tool) {
+    case Tool::Abc2ps:
+        return commandAbc2ps(app, QStringLiteral("tmp.abc"), QStringLiteral("tmp.ps"));
+    case Tool::Abc2midi:
+        return commandAbc2midi(app, QStringLiteral("tmp.abc"), QStringLiteral("tmp.mid"));
+    case Tool::Abc2abc:
+        return commandAbc2abc(app, QStringLiteral("tmp.abc"), 2, QStringLiteral("tmp.trs"));
+    case Tool::Midi2abc:
+        break;
+    }
+    return commandMidi2abc(app, QStringLiteral("tmp.mid"), QStringLiteral("tmp.abc"));
+}
+
 } // namespace
 
 class TestToolRunner : public QObject
@@ -52,6 +68,35 @@ private slots:
         const ParsedCommand parsed = parseCommand(command);
         QCOMPARE(QStringList { parsed.program } + parsed.arguments, expected);
         QCOMPARE(parsed.stdoutFile, stdoutFile);
+    }
+
+    // A converter that cannot run is named, with where it was looked for, not as the system's
+    // "execvp" words.
+    void missingTool_data()
+    {
+        QTest::addColumn<int>("tool");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("abcm2ps") << int(Tool::Abc2ps) << "abcm2ps";
+        QTest::newRow("abc2midi") << int(Tool::Abc2midi) << "abc2midi";
+        QTest::newRow("abc2abc") << int(Tool::Abc2abc) << "abc2abc";
+        QTest::newRow("midi2abc") << int(Tool::Midi2abc) << "midi2abc";
+    }
+    void missingTool()
+    {
+        QFETCH(int, tool);
+        QFETCH(QString, name);
+        TestEnv env;
+        // A setting that names a file which is no program: the search ends there.
+        const QString notProgram = env.writeFile(name, "not a program");
+        const SettingKey *settings[] = { &keys::Tool2ps, &keys::Tool2midi, &keys::Tool2abc, &keys::ToolMidi2abc };
+        env.app().ini().set(*settings[tool], notProgram);
+        const QString command = commandFor(env.app(), Tool(tool));
+        QString error;
+        QVERIFY(!env.app().tools().startCommand(command, 0, &error));
+        QVERIFY2(error.contains(QStringLiteral("not found: ") + name) && error.contains(notProgram)
+                     && error.contains(QStringLiteral("/usr/bin/") + name) && !error.contains(QStringLiteral("execvp")),
+                 qPrintable(error));
+        QCOMPARE(missingToolText(env.app(), Tool(tool)), error);
     }
 
     void waitsForTheWriterToEnd()

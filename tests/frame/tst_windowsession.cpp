@@ -5,6 +5,7 @@
 #include "testmain.h"
 
 #include "frame/inifile.h"
+#include "frame/session.h"
 #include "frame/settings.h"
 #include "frame/windowsession.h"
 #include "store/recentfiles.h"
@@ -12,6 +13,7 @@
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -33,6 +35,43 @@ class TestWindowSession : public QObject
     Q_OBJECT
 
 private slots:
+    // A path that exists as given keeps its quotes; only one that does not loses them.
+    void commandLinePath_data()
+    {
+        QTest::addColumn<QString>("name"); // a file made under the folder; empty: none
+        QTest::addColumn<QString>("argument"); // "@" stands for the folder
+        QTest::addColumn<QString>("path");
+        QTest::newRow("apostrophes") << "O'Carolan's tunes.abc" << " @/O'Carolan's tunes.abc " << "@/O'Carolan's tunes.abc";
+        QTest::newRow("quoted, existing") << "tunes.abc" << "\"@/tunes.abc\"" << "@/tunes.abc";
+        QTest::newRow("quotes in a missing path") << "" << "'@/gone.abc'" << "@/gone.abc";
+    }
+    void commandLinePath()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, argument);
+        QFETCH(QString, path);
+        test::TestEnv env;
+        if (!name.isEmpty())
+            env.writeFile(name, "X:1\n");
+        const QString folder = QFileInfo(env.path(QStringLiteral("x"))).absolutePath();
+        QCOMPARE(cleanCommandLinePath(argument.replace(u'@', folder)), path.replace(u'@', folder));
+    }
+
+    void recoveredName_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("title") << "X:1\r\nT:The Kesh\r\nT:Other\r\nK:G" << "2024-03-05 14.07 The Kesh.abc";
+        QTest::newRow("slashes and dots") << "X:1\nT:../a/b: c?\nK:G" << "2024-03-05 14.07 _a_b_ c_.abc";
+        QTest::newRow("header, no title") << "%%scale 0.7\r\n" << "2024-03-05 14.07 recovered.abc";
+    }
+    void recoveredName()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, name);
+        QCOMPARE(recoveredFileName(text, QDateTime(QDate(2024, 3, 5), QTime(14, 7))), name);
+    }
+
     void geometryWritten_data()
     {
         QTest::addColumn<int>("state");

@@ -10,6 +10,7 @@
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
+#include "frame/session.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
@@ -432,8 +433,10 @@ QString MainWindow::openPath(const QString &path, bool select)
 
 void MainWindow::openHandedOver(const QString &path)
 {
-    if (!QFileInfo(path).isFile())
+    if (!QFileInfo(path).isFile()) {
+        m_app.ui().message(commandLineNotOpened(path));
         return;
+    }
     raise();
     activateWindow();
     openPath(path, true);

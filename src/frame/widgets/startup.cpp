@@ -18,6 +18,7 @@
 #include "frame/widgets/unixsignals.h"
 #include "frame/widgets/widgetdialogs.h"
 #include "frame/windowsession.h"
+#include "store/tunestore.h"
 #include "store/widgets/explorerpanel.h"
 #include "store/workspacetree.h"
 
@@ -82,14 +83,17 @@ int Main(const QStringList &arguments)
             dialogs.message(app.text(QStringLiteral("msg"), QStringLiteral("<prevInstance>")));
             return 0;
         }
-        if (!instance.handOver(commandLine))
+        // The first instance runs in another folder: a relative path would name another file there.
+        if (!instance.handOver(QFileInfo(commandLine).absoluteFilePath()))
             dialogs.contextError(QStringLiteral("MAIN"), QStringLiteral("The running Fennelworks did not answer."));
         return 0;
     }
 
-    offerRecovery(app, [](const QString &path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
+    const RecoveryOffer recovered = offerRecovery(app);
     if (signalsWatch.wasRequested())
         return 0;
+    if (recovered.open == RecoveryOffer::Open::InEditor)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(recovered.keptFile));
 
     QApplication::processEvents();
     auto *splash = new SplashWindow;
@@ -108,8 +112,7 @@ int Main(const QStringList &arguments)
     if (!commandLine.isEmpty()) {
         const QFileInfo info(commandLine);
         if (!info.isFile()) {
-            dialogs.message(QStringLiteral("Command line arguments = ") + commandLine + CRLF + QStringLiteral("----------")
-                            + CRLF + QStringLiteral("Can't open this file. Open it manually."));
+            dialogs.message(commandLineNotOpened(commandLine));
         } else {
             lastKey = window.openPath(commandLine, true);
         }
@@ -127,6 +130,14 @@ int Main(const QStringList &arguments)
         explorer->CompterTunesInLst();
     }
 
+    if (recovered.open == RecoveryOffer::Open::InProgram) {
+        // The program's own copy: no backup of it beside it.
+        app.store().backupOnOpen = false;
+        const QString key = window.openPath(recovered.keptFile, true);
+        app.store().backupOnOpen = true;
+        if (!key.isEmpty())
+            lastKey = key;
+    }
     if (ini.getBool(keys::SelFirstTune) && !lastKey.isEmpty()) {
         if (Node *file = app.tree().find(lastKey); file && file->child(1) && file->child(1)->firstChild())
             window.SimulerNodeClick(file->child(1)->firstChild()->Key);

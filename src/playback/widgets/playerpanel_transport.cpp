@@ -275,6 +275,13 @@ void PlayerPanel::runPlay()
             // Setting up the run: the last tune goes before the next is made.
             m_player->unload();
             m_performance = true;
+            if (const QString missing = missingToolText(m_app, Tool::Abc2midi); !missing.isEmpty()) {
+                // Nothing in the tune's text can mend a missing converter: no retry, no "check it".
+                m_app.ui().message(missing, UserDialogs::Icon::Warning);
+                setBusy(false);
+                pressStop();
+                return;
+            }
             answer = convertToMidi(m_app, prepared.text);
         }
         if (m_stops != stops)
