@@ -54,11 +54,11 @@ void startProgram(QProcess &process, const QString &root, const QStringList &arg
     process.start(programPath(), arguments);
 }
 
-// A hand-over of a path that is no file: the running program answers it from its event loop, so
-// an answer means that everything it was given before has been dealt with.
+// An empty hand-over: the running program answers it from its event loop without a word, so an
+// answer means that everything it was given before has been dealt with.
 bool answers(const QString &root)
 {
-    return SingleInstance(root).handOver(QStringLiteral("/nonexistent/readiness-probe"), 5000);
+    return SingleInstance(root).handOver(QString(), 5000);
 }
 
 // The window is up once its load made the user folders and the program answers at its socket.

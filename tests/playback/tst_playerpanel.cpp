@@ -189,7 +189,7 @@ private slots:
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("key");
-        QTest::newRow("abc2midi missing") << "tool" << "<playError>";
+        QTest::newRow("abc2midi missing") << "tool" << "<toolMissing>";
         QTest::newRow("tune abc2midi rejects") << "reject" << "<playError>";
         QTest::newRow("corrupt MIDI file") << "midi" << "<badMidi>";
         QTest::newRow("SoundFont missing") << "soundfont" << "<noSoundFont>";
@@ -203,7 +203,8 @@ private slots:
         Rig rig(tune(1, "One", kind == u"voice" ? "V:1\r\nC D E F|]" : "C D E F|]"));
         const QByteArray path = qgetenv("PATH");
         if (kind == u"tool") {
-            rig.env.app().ini().set(keys::Tool2midi, QStringLiteral("/nonexistent/abc2midi"));
+            // The search stops at a setting that names a file, even one that is no program.
+            rig.env.app().ini().set(keys::Tool2midi, rig.env.writeFile(QStringLiteral("abc2midi"), "not a program"));
             qputenv("PATH", "/nonexistent");
         } else if (kind == u"soundfont") {
             rig.env.app().ini().set(
@@ -235,6 +236,8 @@ private slots:
             return; // nothing can sound for this run
         if (kind == u"reject" || kind == u"voice")
             rig.select(0);
+        if (kind == u"tool")
+            rig.env.app().ini().set(keys::Tool2midi, QString());
         rig.panel->mnu_playTune();
         QVERIFY(kind == u"voice" || rig.panel->player().isPlaying());
         rig.panel->pressStop();

@@ -433,6 +433,12 @@ QString MainWindow::openPath(const QString &path, bool select)
 
 void MainWindow::openHandedOver(const QString &path)
 {
+    // A second start without a file only asks for this window.
+    if (path.isEmpty()) {
+        raise();
+        activateWindow();
+        return;
+    }
     if (!QFileInfo(path).isFile()) {
         m_app.ui().message(commandLineNotOpened(path));
         return;
