@@ -1,5 +1,6 @@
 #include "finding/tunefilter.h"
 
+#include "collections/choicelist.h"
 #include "finding/melodyfragment.h"
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
@@ -146,9 +147,12 @@ FilterOutcome TuneFilter::search(const FilterConditions &conditions, FilterDomai
         if (!m_engine->isValid()) {
             outcome.status = FilterOutcome::Status::InvalidPattern;
         } else {
-            const bool addsToList = results != FilterResults::LeaveList;
-            if (results == FilterResults::ReplaceList && m_choiceList.clear)
-                m_choiceList.clear();
+            const bool addsToList = m_choiceList && results != FilterResults::LeaveList;
+            if (addsToList && results == FilterResults::ReplaceList)
+                m_choiceList->clear();
+            // Gathered first and appended in one go: a list view follows one notice, not one
+            // a tune.
+            QVector<ChoiceItem> found;
             WorkspaceTree &tree = m_app.tree();
             const TuneStore &store = m_app.store();
             const int needed = built.conditionCount;
@@ -169,21 +173,22 @@ FilterOutcome TuneFilter::search(const FilterConditions &conditions, FilterDomai
                 }
                 outcome.keys.append(tune->Key);
                 outcome.captions.append(tune->Text);
-                if (addsToList && m_choiceList.add && !m_choiceList.add(tune->Key, tune->Text)
-                    && conditions.invert) {
+                if (addsToList && conditions.invert && m_choiceList->contains(tune->Key)) {
                     // Only the inverted search stumbles on a tune already listed; the other
                     // one passes over it.
                     failure = QStringLiteral("Key is not unique in the choice list: ") + tune->Key;
                     return false;
                 }
+                if (addsToList)
+                    found.append({ tune->Key, tune->Text, 1 });
                 return true;
             });
+            if (addsToList)
+                m_choiceList->addAll(found);
             if (!failure.isEmpty()) {
                 outcome.status = FilterOutcome::Status::Failed;
             } else {
                 m_active = true;
-                if (addsToList && m_choiceList.count)
-                    m_choiceList.count();
                 outcome.status = outcome.keys.isEmpty() ? FilterOutcome::Status::NothingFound
                                                         : FilterOutcome::Status::Found;
             }

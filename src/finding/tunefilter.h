@@ -11,6 +11,7 @@
 namespace fenwork {
 
 class AppContext;
+class ChoiceList;
 class RegExp;
 
 // The field rows: "%" (comment lines), "A:" to "Z:", "m:", "r:", "s:", "u:", "w:", "%%MIDI".
@@ -78,16 +79,6 @@ struct HighlightRange
     bool operator==(const HighlightRange &other) const = default;
 };
 
-// The choice list as the filter needs it. `add` puts an item with the node's key, its caption,
-// the tune picture and "1" in the second column, and returns false when the key is already
-// listed. Unset hooks are skipped: the outcome still lists what was found.
-struct ChoiceListHooks
-{
-    std::function<void()> clear;
-    std::function<bool(const QString &key, const QString &caption)> add;
-    std::function<void()> count; // CompterTunesInLst
-};
-
 // The filter of one run: its active flag and the pattern kept between searches.
 class TuneFilter
 {
@@ -103,7 +94,8 @@ public:
     // The pattern of the last search.
     QString pattern() const;
 
-    void setChoiceList(const ChoiceListHooks &hooks) { m_choiceList = hooks; }
+    // The working list that a search fills; none: the outcome still lists what was found.
+    void setChoiceList(ChoiceList *list) { m_choiceList = list; }
     // Told when the colours and the flag are settled, before any closing message: by clear()
     // with false, at the end of a search that ran its course with true.
     std::function<void(bool searched)> settled;
@@ -124,7 +116,7 @@ private:
     AppContext &m_app;
     std::unique_ptr<RegExp> m_engine;    // the pattern between searches: Global, MultiLine
     std::unique_ptr<RegExp> m_highlight; // one line at a time: Global, no MultiLine
-    ChoiceListHooks m_choiceList;
+    ChoiceList *m_choiceList = nullptr;
     bool m_active = false;
 };
 

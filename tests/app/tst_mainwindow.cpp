@@ -5,6 +5,7 @@
 #include "testmain.h"
 
 #include "editing/widgets/editcontroller.h"
+#include "collections/choicelist.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
@@ -333,12 +334,12 @@ private slots:
         w.click(w.tune(kFile, 1));
         QVERIFY(w.text()->extraSelections().isEmpty());
 
-        auto *list = w.window->findChild<QTreeWidget *>(QStringLiteral("lst_set"));
-        QCOMPARE(list->topLevelItemCount(), 1);
+        auto *list = w.window->findChild<QTreeView *>(QStringLiteral("lst_set"));
+        QCOMPARE(list->model()->rowCount(), 1);
         w.window->findChild<QLineEdit *>(QStringLiteral("txt_Chp20"))->setText(QStringLiteral("i"));
         w.window->findChild<QComboBox *>(QStringLiteral("lst_resFind"))->setCurrentIndex(1);
         QTest::mouseClick(w.window->findChild<QPushButton *>(QStringLiteral("bt_Search")), Qt::LeftButton);
-        QCOMPARE(w.window->explorer()->choiceListKeys(),
+        QCOMPARE(w.window->choiceList().keys(),
             (QStringList { w.tune(kFile, 2), w.tune(kFile, 1), w.tune(kFile, 3) }));
 
         QTest::mouseClick(w.window->findChild<QPushButton *>(QStringLiteral("bt_SupprFltr")), Qt::LeftButton);
@@ -347,7 +348,7 @@ private slots:
 
         w.click(kFile);
         QVERIFY(w.trigger(QStringLiteral("mnu_closeFile")));
-        QCOMPARE(list->topLevelItemCount(), 0);
+        QCOMPARE(list->model()->rowCount(), 0);
     }
 
     // An edit session closes menus off; its end gives back what the selected node calls for, and

@@ -28,7 +28,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
-#include <QTreeWidget>
+#include "collections/choicelist.h"
 
 #include <fluidsynth.h>
 
@@ -78,7 +78,7 @@ public:
         host.select = [this](qsizetype start, qsizetype length) { selected = { start, length }; };
         host.selectedNodeKey = [this] { return env.app().currentTuneKey; };
         host.selectNode = [this](const QString &key) { select(tunes.indexOf(key)); };
-        host.choiceList = [this] { return &choiceList; };
+        host.choiceList = &choiceList;
         panel->setHost(host);
         if (!tunes.isEmpty())
             select(0);
@@ -135,7 +135,7 @@ public:
     QString selection;
     QPair<qsizetype, qsizetype> selected { -1, -1 };
     QList<int> shown;
-    QTreeWidget choiceList;
+    ChoiceList choiceList;
     std::unique_ptr<PlayerPanel> panel;
 
 private:

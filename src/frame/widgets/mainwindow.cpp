@@ -33,6 +33,8 @@
 #include "store/treeops.h"
 #include "store/tunestore.h"
 #include "store/widgets/explorerpanel.h"
+#include "collections/choicelist.h"
+#include "collections/widgets/choicelistpanel.h"
 #include "store/widgets/treemodel.h"
 #include "store/widgets/treeview.h"
 #include "store/workspacetree.h"
@@ -98,7 +100,7 @@ MainWindow::MainWindow(AppContext &app, QWidget *parent)
         dialogs->setProgressStrip(m_progress);
     }
     m_app.store().selectNode = [this](const QString &key) { SimulerNodeClick(key); };
-    m_app.store().pruneChoiceList = [this] { m_explorer->EpurerListeChoix(); };
+    m_app.store().pruneChoiceList = [this] { EpurerListeChoix(); };
     m_app.store().setClipboardText = [](const QString &text) { QGuiApplication::clipboard()->setText(text); };
     m_app.store().clipboardText = [] { return QGuiApplication::clipboard()->text(); };
 }
@@ -113,6 +115,12 @@ MainWindow::~MainWindow()
         dialogs->setProgressStrip(nullptr);
         dialogs->setParentWidget(nullptr);
     }
+}
+
+void MainWindow::EpurerListeChoix()
+{
+    const WorkspaceTree &tree = m_app.tree();
+    m_choiceList->prune([&tree](const QString &key) { return tree.contains(key); });
 }
 
 TreeView *MainWindow::tree() const
@@ -141,6 +149,9 @@ void MainWindow::buildPanels()
     m_tabs->setObjectName(QStringLiteral("ongl_G"));
     m_tabs->setDocumentMode(true);
     m_explorer = new ExplorerPanel(m_app.tree(), m_model);
+    m_choiceList = new ChoiceList(this);
+    m_listPanel = new ChoiceListPanel(*m_choiceList);
+    m_explorer->setLowerPanel(m_listPanel);
     m_tabs->addTab(m_explorer, QString());
     m_filter = new FilterPanel(m_app);
     m_tabs->addTab(m_filter, QString());
@@ -202,11 +213,13 @@ void MainWindow::buildPanels()
     connect(
         m_filter, &FilterPanel::showTreeRequested, this, [this] { m_tabs->setCurrentWidget(m_explorer); });
     connect(m_filter, &FilterPanel::selectNodeRequested, this, &MainWindow::SimulerNodeClick);
-    m_explorer->setTuneIcon(pictureIcon(QStringLiteral("tune"), m_app.paths().programFolder()));
+    m_listPanel->setTuneIcon(pictureIcon(QStringLiteral("tune"), m_app.paths().programFolder()));
+    connect(m_listPanel, &ChoiceListPanel::itemActivated, this, &MainWindow::SimulerNodeClick);
     PlayerHost host = PlayerHost::forEditor(m_textPanel->editor());
     host.selectedNodeKey = [this] { return tree()->currentKey(); };
     host.selectNode = [this](const QString &key) { SimulerNodeClick(key); };
-    host.choiceList = [this] { return m_explorer->choiceList(); };
+    host.choiceList = m_choiceList;
+    host.showChoiceRow = [this](int row) { m_listPanel->setCurrentRow(row); };
     host.currentLineTune = [this] { return m_edit->getCurLineAsTune(); };
     m_player->setHost(host);
     auto *drone = new DronePanel(m_app, m_player->midiOut());
@@ -215,10 +228,7 @@ void MainWindow::buildPanels()
     connect(m_player, &PlayerPanel::mainPitchChanged, drone, [drone](int) { drone->followTransposition(); });
     m_edit->attachPlayback(m_player, drone, &m_player->midiOut());
     drone->setKeyboardCheck([this] { return m_edit->isEditingTune(); });
-    ExplorerPanel *explorer = m_explorer;
-    m_filter->filter().setChoiceList({ [explorer] { explorer->clearChoiceList(); },
-        [explorer](const QString &key, const QString &caption) { return explorer->AddTunetolst(key, caption); },
-        [explorer] { explorer->CompterTunesInLst(); } });
+    m_filter->filter().setChoiceList(m_choiceList);
     // A save as gives the current file a new path: the status bar follows.
     connect(m_model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from) {
         if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.currentFileKey)
@@ -280,7 +290,7 @@ void MainWindow::LoadLang()
 {
     const Language &lang = m_app.lang();
     m_menus->loadLang();
-    m_explorer->loadLang(lang);
+    m_listPanel->loadLang(lang);
     m_filter->LoadLang();
     m_score->loadLang();
     m_player->LoadLang();
@@ -320,8 +330,7 @@ void MainWindow::connectCommands()
     on({ "mnu_saveSelTunes0" }, [&app] { mnu_saveSelTunes(app, 0); });
     // The tunes a search or the marks left black: the selected tunes of all files.
     on({ "mnu_saveSelTunes1", "mnu_saveTunesFltr" }, [&app] { mnu_saveSelTunes(app, 1); });
-    ExplorerPanel *explorer = m_explorer;
-    const auto prune = [explorer] { explorer->EpurerListeChoix(); };
+    const auto prune = [this] { EpurerListeChoix(); };
     on({ "mnu_closeFile", "closeabc" }, [&app, prune] { mnu_closeFile(app, prune); });
     on({ "mnu_closeAll", "closeallabc" }, [&app, prune] { mnu_closeAll(app, prune); });
     on({ "mnu_showDoublons" }, [this] { mnu_showDoublons_Click(); });

@@ -11,6 +11,8 @@ namespace fenwork {
 
 class AbcTextPanel;
 class AppContext;
+class ChoiceList;
+class ChoiceListPanel;
 class EditController;
 class ExplorerPanel;
 class FilterPanel;
@@ -56,6 +58,10 @@ public:
     void bt_editMax_Click();
 
     ExplorerPanel *explorer() const { return m_explorer; }
+    ChoiceList &choiceList() const { return *m_choiceList; }
+    ChoiceListPanel *choiceListPanel() const { return m_listPanel; }
+    // Drops the working list's tunes that are no longer in the tree.
+    void EpurerListeChoix();
     TreeView *tree() const;
     MainMenus *menus() const { return m_menus; }
     AbcTextPanel *textPanel() const { return m_textPanel; }
@@ -94,6 +100,8 @@ private:
     QSplitter *m_splitRight = nullptr; // PanelYD: the text above the score
     QTabWidget *m_tabs = nullptr;
     ExplorerPanel *m_explorer = nullptr;
+    ChoiceList *m_choiceList = nullptr;
+    ChoiceListPanel *m_listPanel = nullptr;
     FilterPanel *m_filter = nullptr;
     AbcTextPanel *m_textPanel = nullptr;
     EditController *m_edit = nullptr;

@@ -2,6 +2,7 @@
 // the program ends, and the text panel given the whole window.
 #include "frame/widgets/mainwindow.h"
 
+#include "collections/choicelist.h"
 #include "editing/editsession.h"
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
@@ -123,7 +124,7 @@ bool MainWindow::Form_Unload()
 
     QuitState state;
     state.reset = reset;
-    state.choiceListKeys = m_explorer->choiceListKeys();
+    state.choiceListKeys = m_choiceList->keys();
     state.geometry = currentGeometry();
     state.kept = m_kept;
     // The score writes the size it stands in; the other size's values were stored when the

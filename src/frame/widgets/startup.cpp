@@ -1,5 +1,6 @@
 #include "frame/widgets/startup.h"
 
+#include "collections/choicelist.h"
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
@@ -19,7 +20,6 @@
 #include "frame/widgets/widgetdialogs.h"
 #include "frame/windowsession.h"
 #include "store/tunestore.h"
-#include "store/widgets/explorerpanel.h"
 #include "store/workspacetree.h"
 
 #include <QApplication>
@@ -123,11 +123,11 @@ int Main(const QStringList &arguments)
                 lastKey = key;
         }
         // Indices that no longer fit the tree drop out one by one.
-        ExplorerPanel *explorer = window.explorer();
+        QVector<ChoiceItem> listed;
         for (const QString &key : tempListKeys(app.tree(), ini.get(keys::TempListContents)))
             if (const Node *node = app.tree().find(key))
-                explorer->AddTunetolst(key, node->Text);
-        explorer->CompterTunesInLst();
+                listed.append({ key, node->Text, 1 });
+        window.choiceList().addAll(listed);
     }
 
     if (recovered.open == RecoveryOffer::Open::InProgram) {

@@ -12,12 +12,11 @@ class QPlainTextEdit;
 class QSlider;
 class QTimer;
 class QToolButton;
-class QTreeWidget;
-class QTreeWidgetItem;
 class QVBoxLayout;
 
 namespace fenwork {
 
+class ChoiceList;
 class AppContext;
 class MidiOut;
 class MidiPlayer;
@@ -37,8 +36,8 @@ struct PlayerHost
     std::function<QString()> currentLineTune; // optional: the tune of the caret's line
     std::function<QString()> selectedNodeKey; // the key of the tree's selection
     std::function<void(const QString &key)> selectNode; // SimulerNodeClick
-    std::function<QTreeWidget *()> choiceList; // lst_set
-    std::function<void(QTreeWidgetItem *item)> showChoiceItem; // its click; optional
+    ChoiceList *choiceList = nullptr;                  // the working list to play
+    std::function<void(int row)> showChoiceRow;         // its item shown as the one playing; optional
 
     // Fills the editor's part from a plain text editor that holds LF lines.
     static PlayerHost forEditor(QPlainTextEdit *editor);

@@ -18,7 +18,7 @@
 #include "store/node.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
-#include "store/widgets/treemodel.h"
+#include "collections/choicelist.h"
 #include "store/workspacetree.h"
 
 #include <QCheckBox>
@@ -36,7 +36,6 @@
 #include <QThread>
 #include <QTimer>
 #include <QToolButton>
-#include <QTreeWidget>
 
 #include <algorithm>
 
@@ -496,8 +495,7 @@ void PlayerPanel::mnu_PlayFile(int index)
 
 void PlayerPanel::bt_playLst_Click()
 {
-    QTreeWidget *list = m_host.choiceList ? m_host.choiceList() : nullptr;
-    if (!list || list->topLevelItemCount() == 0) {
+    if (!m_host.choiceList || m_host.choiceList->isEmpty()) {
         m_app.ui().message(
             m_app.text(kMsg, QStringLiteral("<emptyChoiceLst>")), UserDialogs::Icon::Information);
         return;
@@ -507,24 +505,21 @@ void PlayerPanel::bt_playLst_Click()
 
 void PlayerPanel::mnu_playLst()
 {
-    QTreeWidget *list = m_host.choiceList ? m_host.choiceList() : nullptr;
+    ChoiceList *list = m_host.choiceList;
     if (!list)
         return;
     {
         const QSignalBlocker block(m_loop);
         m_loop->setChecked(false);
     }
-    list->setFocus();
     const quint64 stops = m_stops;
-    for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        QTreeWidgetItem *item = list->topLevelItem(i);
-        list->setCurrentItem(item);
-        list->scrollToItem(item);
-        if (m_host.showChoiceItem)
-            m_host.showChoiceItem(item);
-        else if (m_host.selectNode)
-            m_host.selectNode(item->data(0, TreeModel::KeyRole).toString());
-        m_nbRepeatPlaying = qMax(0, item->text(1).toInt() - 1);
+    for (int i = 0; i < list->count(); ++i) {
+        const QString key = list->at(i).key;
+        if (m_host.showChoiceRow)
+            m_host.showChoiceRow(i);
+        if (m_host.selectNode)
+            m_host.selectNode(key);
+        m_nbRepeatPlaying = qMax(0, list->at(i).repetitions - 1);
         pressPlay();
         for (;;) {
             waitEvents(20);
@@ -540,9 +535,9 @@ void PlayerPanel::mnu_playLst()
             return;
         }
         // The list may have changed meanwhile.
-        if (list->indexOfTopLevelItem(item) < 0)
+        i = list->indexOf(key);
+        if (i < 0)
             break;
-        i = list->indexOfTopLevelItem(item);
     }
     pumpFor(500, stops);
     pressStop();
