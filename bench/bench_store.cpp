@@ -1,11 +1,13 @@
 // Timings of the tune store on large files made from the corpus collections: opening into the
-// tree, saving, and the duplicate X: search, with the peak memory of each size measured in a
-// process of its own.
+// tree, saving, the duplicate X: search, a filter that every tune passes and the same filter
+// filling the working list, with the peak memory of each size measured in a process of its own.
 //
 //   fenwork_bench                  all sizes, a table on standard output
 //   fenwork_bench --make N PATH    writes a file of N tunes (for other timings)
-//   fenwork_bench --measure PATH   one child run: prints "tunes open save dupx peakKiB"
+//   fenwork_bench --measure PATH   one child run: prints "tunes open save dupx filter list peakKiB"
+#include "collections/choicelist.h"
 #include "finding/duplicates.h"
+#include "finding/tunefilter.h"
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"
 #include "frame/inifile.h"
@@ -124,7 +126,23 @@ int measure(const QString &path)
     ShowDoublonsX(app, kFile, true, doubled);
     const qint64 dupxMs = timer.elapsed();
 
-    out() << tunes << ' ' << openMs << ' ' << saveMs << ' ' << dupxMs << ' ' << peakMemoryKiB() << Qt::endl;
+    // Every tune has a K: line: the filter keeps them all, then lists them all.
+    TuneFilter filter(app);
+    ChoiceList list;
+    filter.setChoiceList(&list);
+    FilterConditions every;
+    every.anywhere = QStringLiteral("K:");
+    timer.restart();
+    filter.search(every, FilterDomain::AllTunes, FilterResults::LeaveList);
+    const qint64 filterMs = timer.elapsed();
+    timer.restart();
+    filter.search(every, FilterDomain::AllTunes, FilterResults::ReplaceList);
+    const qint64 listMs = timer.elapsed() - filterMs;
+    if (list.count() != tunes)
+        return 1;
+
+    out() << tunes << ' ' << openMs << ' ' << saveMs << ' ' << dupxMs << ' ' << filterMs << ' ' << listMs << ' '
+          << peakMemoryKiB() << Qt::endl;
     return 0;
 }
 
@@ -137,12 +155,14 @@ int runAll()
     }
     QTemporaryDir work;
     out() << "Tune store on files built from " << QDir(corpusDir()).canonicalPath() << Qt::endl << Qt::endl;
-    out() << QStringLiteral("%1 %2 %3 %4 %5 %6")
+    out() << QStringLiteral("%1 %2 %3 %4 %5 %6 %7 %8")
                  .arg(QStringLiteral("tunes"), 8)
                  .arg(QStringLiteral("file KiB"), 9)
                  .arg(QStringLiteral("open ms"), 9)
                  .arg(QStringLiteral("save ms"), 9)
                  .arg(QStringLiteral("dupX ms"), 9)
+                 .arg(QStringLiteral("filter ms"), 10)
+                 .arg(QStringLiteral("+list ms"), 9)
                  .arg(QStringLiteral("peak MiB"), 9)
           << Qt::endl;
     int status = 0;
@@ -161,22 +181,26 @@ int runAll()
             continue;
         }
         const QList<QByteArray> f = child.readAllStandardOutput().trimmed().split(' ');
-        if (f.size() != 5) {
+        if (f.size() != 7) {
             status = 1;
             continue;
         }
-        out() << QStringLiteral("%1 %2 %3 %4 %5 %6")
+        out() << QStringLiteral("%1 %2 %3 %4 %5 %6 %7 %8")
                      .arg(QString::fromLatin1(f.at(0)), 8)
                      .arg(QFileInfo(path).size() / 1024, 9)
                      .arg(QString::fromLatin1(f.at(1)), 9)
                      .arg(QString::fromLatin1(f.at(2)), 9)
                      .arg(QString::fromLatin1(f.at(3)), 9)
-                     .arg(f.at(4).toDouble() / 1024.0, 9, 'f', 1)
+                     .arg(QString::fromLatin1(f.at(4)), 10)
+                     .arg(QString::fromLatin1(f.at(5)), 9)
+                     .arg(f.at(6).toDouble() / 1024.0, 9, 'f', 1)
               << Qt::endl;
     }
     out() << Qt::endl
           << "open: FichierOuvrir with its backup copy; save: FichierSaveFromKey; "
-          << "dupX: ShowDoublonsX forced; peak: VmHWM of a process that did the three." << Qt::endl;
+          << "dupX: ShowDoublonsX forced; filter: a search every tune passes, leaving the working list; "
+          << "+list: what the same search costs beyond that when it fills the working list; "
+          << "peak: VmHWM of a process that did all of these." << Qt::endl;
     return status;
 }
 
