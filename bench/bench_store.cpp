@@ -6,7 +6,7 @@
 //   fenwork_bench --make N PATH    writes a file of N tunes (for other timings)
 //   fenwork_bench --measure PATH   one child run: prints "tunes open save dupx filter list peakKiB"
 #include "collections/choicelist.h"
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "finding/tunefilter.h"
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"

@@ -5,7 +5,7 @@
 #include "frame/inifile.h"
 #include "frame/scripteddialogs.h"
 #include "frame/settings.h"
-#include "frame/widgets/mainwindow.h"
+#include "app/widgets/mainwindow.h"
 #include "score/widgets/scorepanel.h"
 #include "store/node.h"
 #include "store/treeops.h"

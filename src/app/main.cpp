@@ -1,4 +1,4 @@
-#include "frame/widgets/startup.h"
+#include "app/widgets/startup.h"
 
 #include <QApplication>
 

@@ -1,7 +1,7 @@
 #include "cli/clicommands.h"
 
 #include "cli/findcommand.h"
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "frame/appcontext.h"
 #include "frame/paths.h"
 #include "store/treeops.h"

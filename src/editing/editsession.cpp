@@ -1,6 +1,6 @@
 #include "editing/editsession.h"
 
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "frame/appcontext.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"

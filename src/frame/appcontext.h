@@ -1,7 +1,8 @@
 #pragma once
 // The process-wide values of one run: paths, settings, language, the dialogs seam and the
 // workspace tree, plus the texts built once at start-up. The program makes one at start; each test
-// makes its own.
+// makes its own. Every layer reads it, so it names the store's services by declaration only: they
+// are made in app/appcontext.cpp, the one place that knows them all.
 #include "frame/paths.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "store/trashbox.h"
 
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "frame/appcontext.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"

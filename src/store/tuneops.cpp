@@ -1,6 +1,6 @@
 #include "store/tuneops.h"
 
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"

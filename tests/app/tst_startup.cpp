@@ -5,7 +5,7 @@
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/singleinstance.h"
-#include "frame/widgets/startup.h"
+#include "app/widgets/startup.h"
 
 #include <QApplication>
 #include <QListWidget>

@@ -2,7 +2,7 @@
 
 #include "frame/inifile.h"
 #include "frame/settings.h"
-#include "frame/widgets/mainwindow.h"
+#include "app/widgets/mainwindow.h"
 
 #include <QApplication>
 #include <QDir>

@@ -2,7 +2,7 @@
 #include "testenv.h"
 #include "testmain.h"
 
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "store/treeops.h"

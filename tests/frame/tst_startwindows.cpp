@@ -5,11 +5,11 @@
 #include "frame/language.h"
 #include "frame/scripteddialogs.h"
 #include "frame/settings.h"
-#include "frame/widgets/firststartdialog.h"
+#include "app/widgets/firststartdialog.h"
 #include "frame/widgets/icons.h"
-#include "frame/widgets/languagechooser.h"
-#include "frame/widgets/qttranslation.h"
-#include "frame/widgets/unixsignals.h"
+#include "app/widgets/languagechooser.h"
+#include "app/widgets/qttranslation.h"
+#include "app/widgets/unixsignals.h"
 
 #include <QApplication>
 #include <QCheckBox>

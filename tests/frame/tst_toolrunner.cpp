@@ -4,6 +4,7 @@
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/toolrunner.h"
+#include "store/midiimport.h"
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 

@@ -5,9 +5,9 @@
 #include "testmain.h"
 
 #include "frame/inifile.h"
-#include "frame/session.h"
+#include "app/session.h"
 #include "frame/settings.h"
-#include "frame/windowsession.h"
+#include "app/windowsession.h"
 #include "store/recentfiles.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"

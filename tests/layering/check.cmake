@@ -2,7 +2,9 @@ cmake_minimum_required(VERSION 3.25)
 # Fails when an #include points up the layers: frame < store < features < app, the core never
 # includes a widgets/ header, a feature's widgets include no other feature's widgets, and the
 # batch companion uses the core only.
-# Usage: cmake -DSRC=<src folder> -P check.cmake
+# Usage: cmake -DSRC=<src folder> [-DKNOWN=<file>] -P check.cmake
+# KNOWN lists breaches still to be undone, one "from -> to" a line: they are tolerated, and one
+# that is gone must leave the list, so that it only shrinks.
 set(features finding collections editing score playback publishing tools tablature)
 
 function(layer_of path out_layer out_area out_widgets)
@@ -27,6 +29,11 @@ endfunction()
 
 file(GLOB_RECURSE files RELATIVE "${SRC}" "${SRC}/*.h" "${SRC}/*.cpp")
 set(breaches "")
+set(known "")
+if(KNOWN AND EXISTS "${KNOWN}")
+  file(STRINGS "${KNOWN}" known REGEX "->")
+endif()
+set(seen "")
 foreach(file ${files})
   layer_of("${file}" from_layer from_area from_widgets)
   file(STRINGS "${SRC}/${file}" lines REGEX "^[ \t]*#[ \t]*include[ \t]*\"")
@@ -48,9 +55,19 @@ foreach(file ${files})
       set(why "the batch companion uses the core only")
     endif()
     if(why)
-      string(APPEND breaches "  ${file} -> ${target}: ${why}\n")
+      if("${file} -> ${target}" IN_LIST known)
+        list(APPEND seen "${file} -> ${target}")
+      else()
+        string(APPEND breaches "  ${file} -> ${target}: ${why}\n")
+      endif()
     endif()
   endforeach()
+endforeach()
+
+foreach(entry ${known})
+  if(NOT entry IN_LIST seen)
+    string(APPEND breaches "  ${entry}: undone, take it off ${KNOWN}\n")
+  endif()
 endforeach()
 
 if(breaches)

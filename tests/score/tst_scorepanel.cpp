@@ -2,7 +2,7 @@
 #include "testmain.h"
 
 #include "frame/strutil.h"
-#include "frame/widgets/mainwindow.h"
+#include "app/widgets/mainwindow.h"
 #include "score/widgets/scorepanel.h"
 
 #include <QAction>

@@ -5,7 +5,7 @@
 
 #include "frame/inifile.h"
 #include "frame/language.h"
-#include "frame/session.h"
+#include "app/session.h"
 #include "frame/settings.h"
 #include "frame/textfile.h"
 #include "store/recentfiles.h"

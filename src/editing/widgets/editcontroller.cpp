@@ -10,7 +10,6 @@
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
-#include "frame/widgets/mainmenus.h"
 #include "playback/midierror.h"
 #include "playback/midiout.h"
 #include "playback/widgets/dronepanel.h"
@@ -153,10 +152,9 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
 
 EditController::~EditController() = default;
 
-void EditController::attach(TreeView *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score)
+void EditController::attach(TreeView *tree, QToolBar *mainBar, ScorePanel *score)
 {
     m_tree = tree;
-    m_menus = menus;
     m_mainBar = mainBar;
     m_score = score;
     if (m_score) {
@@ -300,10 +298,7 @@ void EditController::validSave(bool quit)
     BusyScope busy(m_app.ui());
     if (!validate())
         return;
-    if (m_menus) {
-        if (QAction *save = m_menus->action(QStringLiteral("mnu_save0")); save && save->isEnabled())
-            save->trigger();
-    }
+    emit saveRequested();
     if (!quit)
         abcedit();
 }
@@ -554,10 +549,7 @@ bool EditController::eventFilter(QObject *watched, QEvent *event)
     if ((typed == u"]" || typed == u"}") && stepOverCloser(typed))
         return true;
     if (key->key() == Qt::Key_P && mods == Qt::ControlModifier) {
-        if (m_menus) {
-            if (QAction *play = m_menus->action(QStringLiteral("mnu_playTune")); play && play->isEnabled())
-                play->trigger();
-        }
+        emit playRequested();
         return true;
     }
     if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)

@@ -24,7 +24,6 @@ class AbcTextPanel;
 class AppContext;
 class DronePanel;
 class EditSession;
-class MainMenus;
 class MidiOut;
 class PlayerPanel;
 class ScorePanel;
@@ -42,7 +41,7 @@ public:
     ~EditController() override;
 
     // What a session closes off, and what it asks for redraws and the selection.
-    void attach(TreeView *tree, MainMenus *menus, QToolBar *mainBar, ScorePanel *score);
+    void attach(TreeView *tree, QToolBar *mainBar, ScorePanel *score);
     // A session on a tune owns the note output, silences the drone and stops the player on
     // validation.
     void attachPlayback(PlayerPanel *player, DronePanel *drone, MidiOut *notes);
@@ -86,6 +85,12 @@ public:
     void defineInsertion();
     // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
     void numberBars(bool insertMarker);
+
+signals:
+    // validsave wants the file saved, Ctrl+P the tune played: the window runs its own command,
+    // when that command is enabled.
+    void saveRequested();
+    void playRequested();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -136,7 +141,6 @@ private:
     QLabel *m_caret;
     QMenu *m_popup;
     QPointer<TreeView> m_tree;
-    QPointer<MainMenus> m_menus;
     QPointer<QToolBar> m_mainBar;
     QPointer<ScorePanel> m_score;
     QPointer<PlayerPanel> m_player;

@@ -1,5 +1,5 @@
 #pragma once
-#include "frame/windowsession.h"
+#include "app/windowsession.h"
 
 #include <QMainWindow>
 

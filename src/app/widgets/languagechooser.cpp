@@ -1,4 +1,4 @@
-#include "frame/widgets/languagechooser.h"
+#include "app/widgets/languagechooser.h"
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"

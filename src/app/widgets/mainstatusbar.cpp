@@ -1,4 +1,4 @@
-#include "frame/widgets/mainstatusbar.h"
+#include "app/widgets/mainstatusbar.h"
 
 #include <QLabel>
 

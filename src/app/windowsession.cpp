@@ -1,9 +1,9 @@
-#include "frame/windowsession.h"
+#include "app/windowsession.h"
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/paths.h"
-#include "frame/session.h"
+#include "app/session.h"
 #include "frame/settings.h"
 #include "frame/userdialogs.h"
 #include "frame/version.h"

@@ -1,4 +1,4 @@
-#include "frame/widgets/qttranslation.h"
+#include "app/widgets/qttranslation.h"
 
 #include "frame/language.h"
 

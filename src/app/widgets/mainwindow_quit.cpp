@@ -1,6 +1,6 @@
 // The main window's geometry and its quit sequence: what is asked, saved and written back when
 // the program ends, and the text panel given the whole window.
-#include "frame/widgets/mainwindow.h"
+#include "app/widgets/mainwindow.h"
 
 #include "collections/choicelist.h"
 #include "editing/editsession.h"
@@ -11,7 +11,7 @@
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
-#include "frame/windowsession.h"
+#include "app/windowsession.h"
 #include "playback/widgets/dronepanel.h"
 #include "score/widgets/scorepanel.h"
 #include "store/filecommands.h"

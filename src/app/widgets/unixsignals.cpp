@@ -1,4 +1,4 @@
-#include "frame/widgets/unixsignals.h"
+#include "app/widgets/unixsignals.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,4 +1,4 @@
-#include "frame/widgets/splashwindow.h"
+#include "app/widgets/splashwindow.h"
 
 #include "frame/version.h"
 

@@ -1,4 +1,4 @@
-#include "frame/session.h"
+#include "app/session.h"
 
 #include "frame/inifile.h"
 #include "frame/settings.h"

@@ -1,23 +1,23 @@
-#include "frame/widgets/mainwindow.h"
+#include "app/widgets/mainwindow.h"
 
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
 #include "editing/widgets/insertiondialog.h"
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 #include "finding/widgets/filterpanel.h"
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
-#include "frame/session.h"
+#include "app/session.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
 #include "frame/version.h"
 #include "frame/widgets/icons.h"
-#include "frame/widgets/mainmenus.h"
-#include "frame/widgets/mainstatusbar.h"
+#include "app/widgets/mainmenus.h"
+#include "app/widgets/mainstatusbar.h"
 #include "frame/widgets/progressstrip.h"
 #include "frame/widgets/widgetdialogs.h"
 #include "playback/widgets/dronepanel.h"
@@ -28,6 +28,7 @@
 #include "store/trashbox.h"
 #include "store/tuneops.h"
 #include "store/widgets/trashpanel.h"
+#include "store/midiimport.h"
 #include "store/nodeselection.h"
 #include "store/recentfiles.h"
 #include "store/treeops.h"
@@ -180,7 +181,13 @@ void MainWindow::buildPanels()
     m_splitRight->addWidget(m_textPanel);
     m_splitRight->addWidget(m_score);
     m_edit = new EditController(m_app, m_textPanel, this);
-    m_edit->attach(m_explorer->tree(), m_menus, m_toolBar, m_score);
+    m_edit->attach(m_explorer->tree(), m_toolBar, m_score);
+    const auto runCommand = [this](const char *name) {
+        if (QAction *action = m_menus->action(QString::fromLatin1(name)); action && action->isEnabled())
+            action->trigger();
+    };
+    connect(m_edit, &EditController::saveRequested, this, [runCommand] { runCommand("mnu_save0"); });
+    connect(m_edit, &EditController::playRequested, this, [runCommand] { runCommand("mnu_playTune"); });
     m_edit->selectNode = [this](const QString &key) { SimulerNodeClick(key); };
     m_trash = new TrashPanel(m_app, this);
     m_trash->followWidget(m_splitRight);

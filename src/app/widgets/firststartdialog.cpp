@@ -1,10 +1,10 @@
-#include "frame/widgets/firststartdialog.h"
+#include "app/widgets/firststartdialog.h"
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/version.h"
-#include "frame/widgets/splashwindow.h"
+#include "app/widgets/splashwindow.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

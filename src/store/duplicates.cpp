@@ -1,4 +1,4 @@
-#include "finding/duplicates.h"
+#include "store/duplicates.h"
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"

@@ -1,4 +1,4 @@
-#include "frame/widgets/tipsdialog.h"
+#include "app/widgets/tipsdialog.h"
 
 #include "frame/appcontext.h"
 #include "frame/inifile.h"

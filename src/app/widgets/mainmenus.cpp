@@ -1,4 +1,4 @@
-#include "frame/widgets/mainmenus.h"
+#include "app/widgets/mainmenus.h"
 
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
