@@ -181,14 +181,21 @@ void MainWindow::buildPanels()
     m_splitRight->addWidget(m_textPanel);
     m_splitRight->addWidget(m_score);
     m_edit = new EditController(m_app, m_textPanel, this);
-    m_edit->attach(m_explorer->tree(), m_toolBar, m_score);
+    m_score->currentLineTune = [this] { return m_edit->getCurLineAsTune(); };
+    m_score->oneLineTicked = [this] { return m_edit->isOneLineTicked(); };
+    m_score->setPauseVisible(false);
+    connect(m_edit, &EditController::scoreRefreshRequested, this, [this](const QString &text, bool evenIfPaused) {
+        if (evenIfPaused || !m_score->isPaused())
+            m_score->requestRefresh(text);
+    });
+    connect(m_edit, &EditController::sessionStarted, this, &MainWindow::closeForSession);
+    connect(m_edit, &EditController::sessionEnded, this, &MainWindow::openAfterSession);
     const auto runCommand = [this](const char *name) {
         if (QAction *action = m_menus->action(QString::fromLatin1(name)); action && action->isEnabled())
             action->trigger();
     };
     connect(m_edit, &EditController::saveRequested, this, [runCommand] { runCommand("mnu_save0"); });
     connect(m_edit, &EditController::playRequested, this, [runCommand] { runCommand("mnu_playTune"); });
-    m_edit->selectNode = [this](const QString &key) { SimulerNodeClick(key); };
     m_trash = new TrashPanel(m_app, this);
     m_trash->followWidget(m_splitRight);
     connect(m_trash, &TrashPanel::trashChanged, this, [this] { SimulerNodeClick(key::Trash); });
@@ -230,10 +237,16 @@ void MainWindow::buildPanels()
     host.currentLineTune = [this] { return m_edit->getCurLineAsTune(); };
     m_player->setHost(host);
     auto *drone = new DronePanel(m_app, m_player->midiOut());
+    m_drone = drone;
     m_player->setDronePanel(drone);
     connect(m_player, &PlayerPanel::stopped, drone, &DronePanel::stopDrone);
     connect(m_player, &PlayerPanel::mainPitchChanged, drone, [drone](int) { drone->followTransposition(); });
-    m_edit->attachPlayback(m_player, drone, &m_player->midiOut());
+    m_edit->setNoteOutput(&m_player->midiOut());
+    m_player->setOneLineShown(false);
+    connect(m_edit, &EditController::tuneValidated, m_player, [this] {
+        if (m_player->hasPerformance())
+            m_player->pressStop();
+    });
     drone->setKeyboardCheck([this] { return m_edit->isEditingTune(); });
     m_filter->filter().setChoiceList(m_choiceList);
     // A save as gives the current file a new path: the status bar follows.
@@ -241,6 +254,35 @@ void MainWindow::buildPanels()
         if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.currentFileKey)
             m_status->setFilePath(node->Tag);
     });
+}
+
+void MainWindow::closeForSession(bool tune, const QString &editedKey)
+{
+    // The notes typed in a tune sound on the drone's output, so the drone gives way.
+    if (tune && m_drone)
+        m_drone->stopDrone();
+    TreeView *view = tree();
+    view->setEnabled(false);
+    view->setCursor(Qt::ForbiddenCursor);
+    view->expandKey(editedKey);
+    m_toolBar->setEnabled(false);
+    m_score->setPauseVisible(tune);
+    m_player->setNextPrevEnabled(false);
+    m_player->setOneLineShown(tune);
+}
+
+void MainWindow::openAfterSession(const QString &editedKey, bool validated)
+{
+    TreeView *view = tree();
+    view->setEnabled(true);
+    view->setCursor(Qt::ArrowCursor);
+    m_toolBar->setEnabled(true);
+    m_score->setPauseVisible(false);
+    m_player->setNextPrevEnabled(true);
+    m_player->setOneLineShown(false);
+    if (validated)
+        SimulerNodeClick(editedKey);
+    view->setFocus();
 }
 
 void MainWindow::MainLoad()

@@ -13,6 +13,7 @@ class AbcTextPanel;
 class AppContext;
 class ChoiceList;
 class ChoiceListPanel;
+class DronePanel;
 class EditController;
 class ExplorerPanel;
 class FilterPanel;
@@ -90,6 +91,9 @@ private:
     void ongl_G_Click(int index);
     template <class Dialog> void showToolWindow();
     void showFilterState(bool active);
+    // What an edit session closes off while it runs, and opens again at its end.
+    void closeForSession(bool tune, const QString &editedKey);
+    void openAfterSession(const QString &editedKey, bool validated);
 
     AppContext &m_app;
     TreeModel *m_model = nullptr;
@@ -108,6 +112,7 @@ private:
     ScorePanel *m_score = nullptr;
     TrashPanel *m_trash = nullptr;
     PlayerPanel *m_player = nullptr;
+    DronePanel *m_drone = nullptr;
     ProgressStrip *m_progress = nullptr;
     MainStatusBar *m_status = nullptr;
     KeptSettings m_kept;

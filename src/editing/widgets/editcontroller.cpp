@@ -12,11 +12,7 @@
 #include "frame/userdialogs.h"
 #include "playback/midierror.h"
 #include "playback/midiout.h"
-#include "playback/widgets/dronepanel.h"
-#include "playback/widgets/playerpanel.h"
-#include "score/widgets/scorepanel.h"
 #include "store/treedimmer.h"
-#include "store/widgets/treeview.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -71,7 +67,7 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
 {
     QPlainTextEdit *editor = m_panel->editor();
     m_session->textSource = [editor] { return editor->toPlainText(); };
-    connect(m_session, &EditSession::ended, this, &EditController::sessionEnded);
+    connect(m_session, &EditSession::ended, this, &EditController::endSession);
 
     m_bar->setObjectName(QStringLiteral("tb_edit"));
     m_bar->setIconSize(QSize(20, 20));
@@ -152,24 +148,9 @@ EditController::EditController(AppContext &app, AbcTextPanel *panel, QObject *pa
 
 EditController::~EditController() = default;
 
-void EditController::attach(TreeView *tree, QToolBar *mainBar, ScorePanel *score)
+bool EditController::isOneLineTicked() const
 {
-    m_tree = tree;
-    m_mainBar = mainBar;
-    m_score = score;
-    if (m_score) {
-        m_score->currentLineTune = [this] { return getCurLineAsTune(); };
-        m_score->oneLineTicked = [this] { return isEditing() && m_oneLine->isChecked(); };
-        m_score->setPauseVisible(false);
-    }
-}
-
-void EditController::attachPlayback(PlayerPanel *player, DronePanel *drone, MidiOut *notes)
-{
-    m_player = player;
-    m_drone = drone;
-    m_notes = notes;
-    showOneLineBoxes(isEditingTune());
+    return isEditing() && m_oneLine->isChecked();
 }
 
 void EditController::loadLang()
@@ -236,10 +217,9 @@ void EditController::abcedit()
     m_shownText = editor->toPlainText();
     const bool tune = isEditingTune();
     m_editedKey = tune ? m_session->tuneKey() : m_session->fileKey() + QStringLiteral("_hdrFile");
+    // First, so that the drone has let go of the note output before the session opens it.
+    emit sessionStarted(tune, m_editedKey);
     if (tune) {
-        // The notes typed in the tune sound on the drone's output, so the drone gives way.
-        if (m_drone)
-            m_drone->stopDrone();
         QString error;
         if (m_notes && !m_notes->open(&error))
             DisplayErrMidi(m_app.ui(), error, QStringLiteral("Context: Edit ABC file > midiOutOpen"));
@@ -247,20 +227,15 @@ void EditController::abcedit()
     editor->setExtraSelections({});
     m_panel->setLocked(false);
     editor->setFocus();
-    closeWindow(true);
+    holdCommands(true);
     m_dimmer->ToggleEnabledTree(true, m_editedKey);
     setSessionLook(true);
     m_undo->setEnabled(false);
     fillTemplates(); // templates may have been added to the folder since the last session
     m_panel->abcEditor()->setLineNumbersVisible(true);
-    if (m_score)
-        m_score->setPauseVisible(tune);
     m_panel->setWarning(m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition>")) + u'\n'
         + m_app.text(QStringLiteral("MainForm"), QStringLiteral("<modeEdition2>")));
-    if (m_tree)
-        m_tree->expandKey(m_editedKey);
-    setNextPrevEnabled(false);
-    showOneLineBoxes(tune);
+    showOneLineBox(tune);
 }
 
 bool EditController::validate()
@@ -274,9 +249,8 @@ bool EditController::validate()
         m_dimmer->ToggleEnabledTree(true, m_editedKey);
         return false;
     }
-    // The old version of the tune must not go on sounding.
-    if (tune && m_player && m_player->hasPerformance())
-        m_player->pressStop();
+    if (tune)
+        emit tuneValidated();
     return true;
 }
 
@@ -303,26 +277,20 @@ void EditController::validSave(bool quit)
         abcedit();
 }
 
-void EditController::sessionEnded(bool validated)
+void EditController::endSession(bool validated)
 {
     m_panel->setLocked(true);
-    closeWindow(false);
+    holdCommands(false);
     setSessionLook(false);
-    if (m_score)
-        m_score->setPauseVisible(false);
     if (m_notes && m_notes->isOpen())
         m_notes->close();
     m_panel->setWarning({});
     m_panel->abcEditor()->setLineNumbersVisible(false);
-    setNextPrevEnabled(true);
-    showOneLineBoxes(false);
+    showOneLineBox(false);
     m_autoClosers.clear();
     const QString key = m_editedKey;
     m_editedKey.clear();
-    if (validated && selectNode)
-        selectNode(key);
-    if (m_tree)
-        m_tree->setFocus();
+    emit sessionEnded(key, validated);
 }
 
 void EditController::setSessionLook(bool editing)
@@ -333,47 +301,24 @@ void EditController::setSessionLook(bool editing)
     for (QAction *action : { m_ok, m_cancel, m_undo, m_doModel, m_templatesAction, m_down, m_up, m_stepAction })
         action->setVisible(editing);
     if (!editing)
-        showOneLineBoxes(false);
+        showOneLineBox(false);
 }
 
-void EditController::setNextPrevEnabled(bool enabled)
-{
-    if (!m_player)
-        return;
-    for (const char *name : { "bt_playNextPrev0", "bt_playNextPrev1" }) {
-        if (auto *button = m_player->findChild<QWidget *>(QString::fromLatin1(name)))
-            button->setEnabled(enabled);
-    }
-}
-
-void EditController::showOneLineBoxes(bool shown)
+void EditController::showOneLineBox(bool shown)
 {
     m_oneLine->setChecked(false);
     m_oneLineAction->setVisible(shown);
-    if (!m_player)
-        return;
-    if (auto *playLine = m_player->findChild<QAbstractButton *>(QStringLiteral("chk_OneLine1"))) {
-        playLine->setChecked(false);
-        playLine->setVisible(shown);
-    }
 }
 
 void EditController::refreshScore()
 {
-    if (m_score)
-        m_score->requestRefresh(m_panel->editor()->toPlainText());
+    emit scoreRefreshRequested(m_panel->editor()->toPlainText(), true);
 }
 
-void EditController::closeWindow(bool closed)
+void EditController::holdCommands(bool held)
 {
-    if (m_tree) {
-        m_tree->setEnabled(!closed);
-        m_tree->setCursor(closed ? Qt::ForbiddenCursor : Qt::ArrowCursor);
-    }
-    if (m_mainBar)
-        m_mainBar->setEnabled(!closed);
     // Through the command state, so that the end gives back what the selection calls for.
-    if (closed) {
+    if (held) {
         m_app.commands().hold(kClosedCommands);
     } else {
         m_dimmer->ToggleEnabledTree(false);
@@ -392,8 +337,7 @@ void EditController::txt_ABC_Change()
     m_shownText = text;
     if (!m_undoLock && m_session->ring().SetUndo(text))
         m_undo->setEnabled(true);
-    if (m_score && !m_score->isPaused())
-        m_score->requestRefresh(text);
+    emit scoreRefreshRequested(text, false);
 }
 
 void EditController::bt_undo_Click()

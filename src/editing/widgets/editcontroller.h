@@ -22,13 +22,9 @@ namespace fenwork {
 
 class AbcTextPanel;
 class AppContext;
-class DronePanel;
 class EditSession;
 class MidiOut;
-class PlayerPanel;
-class ScorePanel;
 class TreeDimmer;
-class TreeView;
 
 // The edit session in the window: the tool bar `tb_edit` above the text, the keys of `txt_ABC`,
 // the locked editor's question, paste, the blank-line guard, undo, the caret's line:column, word
@@ -40,20 +36,17 @@ public:
     EditController(AppContext &app, AbcTextPanel *panel, QObject *parent = nullptr);
     ~EditController() override;
 
-    // What a session closes off, and what it asks for redraws and the selection.
-    void attach(TreeView *tree, QToolBar *mainBar, ScorePanel *score);
-    // A session on a tune owns the note output, silences the drone and stops the player on
-    // validation.
-    void attachPlayback(PlayerPanel *player, DronePanel *drone, MidiOut *notes);
+    // A session on a tune owns the note output: open while it runs, closed at its end.
+    void setNoteOutput(MidiOut *notes) { m_notes = notes; }
     void loadLang();
 
-    // Called with the tree key to show again after a validation (the window's node click).
-    std::function<void(const QString &key)> selectNode;
 
     EditSession &session() const { return *m_session; }
     bool isEditing() const;
     // A tune, not a file header, is being edited: the note output belongs to the session.
     bool isEditingTune() const;
+    // The score's "current line only" box is ticked during a session.
+    bool isOneLineTicked() const;
     // Quitting with a session running: no recovery copy must survive the orderly exit.
     void abandonRecovery();
     QToolBar *toolBar() const { return m_bar; }
@@ -91,24 +84,30 @@ signals:
     // when that command is enabled.
     void saveRequested();
     void playRequested();
+    // The window closes itself off around a session and opens again at its end: the tree, the
+    // tool bar, the score's pause, the player's next and previous, the one-line boxes, the drone.
+    void sessionStarted(bool tune, const QString &editedKey);
+    void sessionEnded(const QString &editedKey, bool validated);
+    // A tune's text went into the file: the old version must not go on sounding.
+    void tuneValidated();
+    // The score should show `text`; `evenIfPaused` for a redraw the user asked for.
+    void scoreRefreshRequested(const QString &text, bool evenIfPaused);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void setSessionLook(bool editing);
-    void closeWindow(bool closed);
+    void holdCommands(bool held);
     void txt_ABC_Change();
     void showCaret();
     void popupMenu(const QPoint &pos);
     void setWrap(bool wrap);
     // Replaces the editor's whole text as one change, keeping the caret and the scroll position.
     void replaceAllText(const QString &text);
-    void sessionEnded(bool validated);
-    void setNextPrevEnabled(bool enabled);
-    // The two "current line only" boxes, the score's here and the player's: shown, and cleared,
-    // for a session on a tune only.
-    void showOneLineBoxes(bool shown);
+    void endSession(bool validated);
+    // The score's "current line only" box: shown, and cleared, for a session on a tune only.
+    void showOneLineBox(bool shown);
     void refreshScore();
     void fillTemplates();
     // A closer typed right before one that came with its opening bracket steps over it.
@@ -140,11 +139,6 @@ private:
     int m_caretBlock = -1;
     QLabel *m_caret;
     QMenu *m_popup;
-    QPointer<TreeView> m_tree;
-    QPointer<QToolBar> m_mainBar;
-    QPointer<ScorePanel> m_score;
-    QPointer<PlayerPanel> m_player;
-    QPointer<DronePanel> m_drone;
     MidiOut *m_notes = nullptr;
     bool m_undoLock = false;
     QString m_editedKey;

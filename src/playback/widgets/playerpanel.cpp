@@ -572,4 +572,16 @@ bool PlayerPanel::eventFilter(QObject *watched, QEvent *event)
     return QFrame::eventFilter(watched, event);
 }
 
+void PlayerPanel::setNextPrevEnabled(bool enabled)
+{
+    for (QToolButton *button : m_prevNext)
+        button->setEnabled(enabled);
+}
+
+void PlayerPanel::setOneLineShown(bool shown)
+{
+    m_oneLine->setChecked(false);
+    m_oneLine->setVisible(shown);
+}
+
 } // namespace fenwork

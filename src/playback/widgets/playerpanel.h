@@ -87,6 +87,10 @@ public slots:
     // 0 the previous tune, 1 the next.
     void bt_playNextPrev_Click(int index);
     void pressStop();
+    // An edit session closes previous and next, and shows the one-line box for a tune.
+    void setNextPrevEnabled(bool enabled);
+    // The "current line only" box: shown, and cleared, during a session on a tune.
+    void setOneLineShown(bool shown);
 
 signals:
     // Stop was pressed: the drone stops with the tune.
