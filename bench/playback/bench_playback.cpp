@@ -2,6 +2,7 @@
 // pressed in turn, timed until the synthesiser holds a sounding voice. The sound device's own
 // buffer comes on top of that (about 23 ms with the default period size).
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/clidialogs.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
@@ -68,8 +69,8 @@ int main(int argc, char **argv)
     QList<double> firstSound;
     for (int round = 0; round < 3; ++round) {
         for (const Node *tune : body->children()) {
-            app.currentTuneKey = tune->Key;
-            app.currentFileKey = kFile;
+            app.selection().setTuneKey(tune->Key);
+            app.selection().setFileKey(kFile);
             text = app.store().GetStringTune(tune->Key, true);
             QElapsedTimer clock;
             clock.start();

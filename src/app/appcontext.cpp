@@ -1,6 +1,7 @@
 #include "frame/appcontext.h"
 
 #include "frame/commandstate.h"
+#include "frame/selection.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/settings.h"
@@ -23,6 +24,7 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_ui(dialogs),
       m_tree(std::make_unique<WorkspaceTree>()),
       m_commands(std::make_unique<CommandState>()),
+      m_selection(std::make_unique<Selection>()),
       m_recent(std::make_unique<RecentFiles>(paths.cacheFolder())),
       m_store(std::make_unique<TuneStore>(*this)),
       m_tools(std::make_unique<ToolRunner>(*this))

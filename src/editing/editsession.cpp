@@ -2,6 +2,7 @@
 
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "store/node.h"
@@ -108,16 +109,16 @@ bool EditSession::start(const QString &text)
 {
     if (isActive())
         return false;
-    if (!m_app.currentTuneKey.isEmpty() && m_app.tree().find(m_app.currentTuneKey)) {
+    if (!m_app.selection().tuneKey().isEmpty() && m_app.tree().find(m_app.selection().tuneKey())) {
         m_target = Target::Tune;
-        m_kTune = m_app.currentTuneKey;
-    } else if (!m_app.currentFileKey.isEmpty() && m_app.tree().find(m_app.currentFileKey)) {
+        m_kTune = m_app.selection().tuneKey();
+    } else if (!m_app.selection().fileKey().isEmpty() && m_app.tree().find(m_app.selection().fileKey())) {
         m_target = Target::Header;
         m_kTune.clear();
     } else {
         return false;
     }
-    m_kFile = m_app.currentFileKey;
+    m_kFile = m_app.selection().fileKey();
     // Nothing of an earlier session may stand in the ring: an entry behind the start text would
     // read as a change.
     m_ring = UndoRing();

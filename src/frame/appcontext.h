@@ -11,6 +11,7 @@
 namespace fenwork {
 
 class CommandState;
+class Selection;
 class IniFile;
 class RecentFiles;
 class ToolRunner;
@@ -33,6 +34,7 @@ public:
     void setDialogs(UserDialogs *dialogs) { m_ui = dialogs; }
     WorkspaceTree &tree() const { return *m_tree; }
     CommandState &commands() const { return *m_commands; }
+    Selection &selection() const { return *m_selection; }
     TuneStore &store() const { return *m_store; }
     RecentFiles &recent() const { return *m_recent; }
     ToolRunner &tools() const { return *m_tools; }
@@ -47,9 +49,6 @@ public:
     int tempoDef = 100;
     // Given to abcm2ps after its options: empty, or the format file and tablature switches.
     QString scoreExtras;
-    // Set by the node selection: what most commands work on.
-    QString currentTuneKey;
-    QString currentFileKey;
 
     // Builds newTuneText and creatorLine from the current language and date.
     void buildStartupTexts();
@@ -61,6 +60,7 @@ private:
     UserDialogs *m_ui;
     std::unique_ptr<WorkspaceTree> m_tree;
     std::unique_ptr<CommandState> m_commands;
+    std::unique_ptr<Selection> m_selection;
     std::unique_ptr<RecentFiles> m_recent;
     std::unique_ptr<TuneStore> m_store;
     std::unique_ptr<ToolRunner> m_tools;

@@ -2,6 +2,7 @@
 
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/paths.h"
@@ -167,16 +168,15 @@ bool FichierFermer(AppContext &app, const QString &fileKey)
     app.store().forgetFile(kFile);
     // Nothing may keep pointing into the nodes just removed.
     const QString prefix = kFile + u'_';
-    if (app.currentFileKey == kFile)
-        app.currentFileKey.clear();
-    if (app.currentTuneKey.startsWith(prefix))
-        app.currentTuneKey.clear();
+    Selection &selection = app.selection();
+    selection.set(selection.tuneKey().startsWith(prefix) ? QString() : selection.tuneKey(),
+        selection.fileKey() == kFile ? QString() : selection.fileKey());
     return true;
 }
 
 void mnu_save(AppContext &app, int index)
 {
-    const QString kFile = app.currentFileKey;
+    const QString kFile = app.selection().fileKey();
     Node *file = kFile.isEmpty() ? nullptr : app.tree().find(kFile);
     if (!file) {
         app.ui().message(msg(app, "<selectFile>"));
@@ -221,7 +221,7 @@ void mnu_saveSelTunes(AppContext &app, int index)
         return;
     QList<const Node *> files;
     if (index == 0) {
-        const Node *file = app.currentFileKey.isEmpty() ? nullptr : tree.find(app.currentFileKey);
+        const Node *file = app.selection().fileKey().isEmpty() ? nullptr : tree.find(app.selection().fileKey());
         if (!file) {
             ui.message(msg(app, "<selectFile>"));
             return;
@@ -279,7 +279,7 @@ void mnu_saveSelTunes(AppContext &app, int index)
 
 bool mnu_closeFile(AppContext &app, const std::function<void()> &afterClose)
 {
-    if (!FichierFermer(app, app.currentFileKey))
+    if (!FichierFermer(app, app.selection().fileKey()))
         return false;
     CompterFiles(app);
     selectNode(app, key::Root);

@@ -1,6 +1,7 @@
 #include "store/midiimport.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/settings.h"
@@ -61,7 +62,7 @@ void mnu_impMidi(AppContext &app)
         cache.remove(name);
     if (ui.question(app.text(msg, QStringLiteral("<infoMidi2Abc>"))) != UserDialogs::Answer::Yes)
         return;
-    const QString kFile = app.currentFileKey;
+    const QString kFile = app.selection().fileKey();
     if (kFile.isEmpty()) {
         ui.message(app.text(msg, QStringLiteral("<selectFile>")), UserDialogs::Icon::Warning);
         return;

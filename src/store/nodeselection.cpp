@@ -1,6 +1,7 @@
 #include "store/nodeselection.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
@@ -66,8 +67,8 @@ SelectionColumn selectionColumn(const QString &key)
 NodeSelection describeNodeClick(const AppContext &app, const QString &key)
 {
     NodeSelection s;
-    s.tuneKey = app.currentTuneKey;
-    s.fileKey = app.currentFileKey;
+    s.tuneKey = app.selection().tuneKey();
+    s.fileKey = app.selection().fileKey();
     const Node *node = key.isEmpty() ? nullptr : app.tree().find(key);
     if (!node)
         return s;
@@ -182,8 +183,7 @@ void applyNodeClick(AppContext &app, const NodeSelection &selection)
 {
     if (selection.column == SelectionColumn::None)
         return;
-    app.currentTuneKey = selection.tuneKey;
-    app.currentFileKey = selection.fileKey;
+    app.selection().set(selection.tuneKey, selection.fileKey);
     CommandState &commands = app.commands();
     for (const CommandSwitch &command : selectionCommands(selection.column, selectionFacts(app, selection)))
         commands.setEnabled(command.name, command.enabled);

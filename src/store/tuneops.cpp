@@ -2,6 +2,7 @@
 
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/regexp.h"
@@ -86,7 +87,7 @@ void CouperTune(AppContext &app, const QString &kTune, QString &pending)
     CopierTune(app, kTune, pending);
     if (Node *tune = app.tree().find(kTune))
         app.tree().remove(tune);
-    CompterTunesDansFichier(app, app.currentFileKey);
+    CompterTunesDansFichier(app, app.selection().fileKey());
 }
 
 QString CollerTuneSur(AppContext &app, const QString &targetKey, QString &pending)
@@ -126,7 +127,7 @@ QString CollerTuneSur(AppContext &app, const QString &targetKey, QString &pendin
         if (GetKFile(kSource) == kTargetFile) {
             // A tune cut from this file gets its own key back.
             QString wanted = kSource;
-            kNew = store.AddStringTune(text, app.currentFileKey, false, targetTune, true, wanted);
+            kNew = store.AddStringTune(text, app.selection().fileKey(), false, targetTune, true, wanted);
         } else {
             QString none;
             kNew = store.AddStringTune(text, kTargetFile, false, targetTune, true, none);
@@ -309,15 +310,15 @@ QStringList clipboardTunes(const QString &text)
 
 void mnu_copyTune(AppContext &app)
 {
-    CopierTune(app, app.currentTuneKey, app.store().pendingTune);
+    CopierTune(app, app.selection().tuneKey(), app.store().pendingTune);
 }
 
 void mnu_cutTune(AppContext &app)
 {
-    if (app.currentTuneKey.isEmpty())
+    if (app.selection().tuneKey().isEmpty())
         return;
-    const QString kFile = app.currentFileKey;
-    CouperTune(app, app.currentTuneKey, app.store().pendingTune);
+    const QString kFile = app.selection().fileKey();
+    CouperTune(app, app.selection().tuneKey(), app.store().pendingTune);
     selectNode(app, kFile);
     app.store().SetFlagModifFile(kFile);
     showDoubles(app, kFile);
@@ -326,11 +327,11 @@ void mnu_cutTune(AppContext &app)
 
 void mnu_pasteTune(AppContext &app)
 {
-    if (app.currentTuneKey.isEmpty()) {
+    if (app.selection().tuneKey().isEmpty()) {
         app.ui().message(msg(app, "<selectTarget>"));
         return;
     }
-    const QString kNew = CollerTuneSur(app, app.currentTuneKey, app.store().pendingTune);
+    const QString kNew = CollerTuneSur(app, app.selection().tuneKey(), app.store().pendingTune);
     if (kNew.isEmpty())
         return;
     const QString kFile = GetKFile(kNew);
@@ -341,16 +342,16 @@ void mnu_pasteTune(AppContext &app)
 
 void mnu_delTune(AppContext &app, int index)
 {
-    const QString kFile = app.currentFileKey;
+    const QString kFile = app.selection().fileKey();
     if (index == 0 || index == 1)
-        DelTune(app, app.currentTuneKey, true, index == 0);
+        DelTune(app, app.selection().tuneKey(), true, index == 0);
     showDoubles(app, kFile);
     pruneChoiceList(app);
 }
 
 QString CreateNewTune(AppContext &app)
 {
-    const QString kFile = app.currentFileKey;
+    const QString kFile = app.selection().fileKey();
     if (kFile.isEmpty())
         return {};
     const QString kNew = AddNewTune(app, kFile, true);
@@ -362,7 +363,7 @@ QString CreateNewTune(AppContext &app)
 
 void mnu_impClipboard(AppContext &app)
 {
-    const QString kFile = app.currentFileKey;
+    const QString kFile = app.selection().fileKey();
     if (kFile.isEmpty()) {
         app.ui().message(msg(app, "<selectFile>"));
         return;
@@ -401,7 +402,7 @@ void dropTune(AppContext &app, const QString &draggedKey, const QString &targetK
     const QString kSourceFile = GetKFile(draggedKey);
     if (targetKey.contains(key::Trash)) {
         DelTune(app, draggedKey, false, true);
-        showDoubles(app, app.currentFileKey);
+        showDoubles(app, app.selection().fileKey());
         pruneChoiceList(app);
         return;
     }

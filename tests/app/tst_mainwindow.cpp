@@ -37,6 +37,7 @@
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTest>
+#include <QSignalSpy>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
@@ -81,7 +82,7 @@ public:
     {
         ui().pushFileName(paths.join(u'\n'));
         trigger(QStringLiteral("mnu_openFile"));
-        return app().currentFileKey;
+        return app().selection().fileKey();
     }
     QString openNew(const QString &name) { return open(QStringList { write(name) }); }
 
@@ -128,6 +129,24 @@ class TestMainWindow : public QObject
     Q_OBJECT
 
 private slots:
+    // Whoever shows the selection hears of every change, closing a file included.
+    void selectionFollowsClicksAndClose()
+    {
+        Window w;
+        const QString kFile = w.openNew(QStringLiteral("jigs.abc"));
+        QSignalSpy changed(&w.app().selection(), &Selection::changed);
+        const auto last = [&] { return changed.last().at(0).toString() + u'|' + changed.last().at(1).toString(); };
+        w.click(w.tune(kFile, 2));
+        QCOMPARE(last(), w.tune(kFile, 2) + u'|' + kFile);
+        w.click(kFile);
+        QCOMPARE(last(), u'|' + kFile);
+        w.click(w.tune(kFile, 3));
+        QVERIFY(w.trigger(QStringLiteral("mnu_closeFile")));
+        QVERIFY(!w.app().selection().fileKey().startsWith(kFile));
+        QVERIFY(!w.app().selection().tuneKey().startsWith(kFile));
+        QVERIFY(!last().contains(kFile));
+    }
+
     // Two commands on one key would make the key do nothing at all.
     void noKeyServesTwoCommands()
     {
@@ -196,7 +215,7 @@ private slots:
         QCOMPARE(w.text()->textCursor().selectedText(), selected);
         QCOMPARE(w.window->menus()->isMenuEnabled(QStringLiteral("mnu_Morceau")), tuneMenu);
         QCOMPARE(w.action(QStringLiteral("mnu_closeFile"))->isEnabled(), close);
-        QCOMPARE(w.window->status()->filePath(), GetPathFile(w.app(), w.app().currentFileKey));
+        QCOMPARE(w.window->status()->filePath(), GetPathFile(w.app(), w.app().selection().fileKey()));
     }
 
     // The arrows move the selection at once and work on it when the key is let go.
@@ -208,13 +227,13 @@ private slots:
         w.tree()->setFocus();
         QTest::keyPress(w.tree(), Qt::Key_Down);
         QCOMPARE(w.tree()->currentKey(), w.tune(kFile, 2));
-        QCOMPARE(w.app().currentTuneKey, w.tune(kFile, 1));
+        QCOMPARE(w.app().selection().tuneKey(), w.tune(kFile, 1));
         QTest::keyRelease(w.tree(), Qt::Key_Down);
-        QCOMPARE(w.app().currentTuneKey, w.tune(kFile, 2));
+        QCOMPARE(w.app().selection().tuneKey(), w.tune(kFile, 2));
         QVERIFY(w.text()->toPlainText().startsWith(QStringLiteral("X:2")));
         QTest::keyClick(w.tree(), Qt::Key_Home);
         QCOMPARE(w.tree()->currentKey(), key::Root);
-        QCOMPARE(w.app().currentTuneKey, QString());
+        QCOMPARE(w.app().selection().tuneKey(), QString());
         QVERIFY(w.text()->toPlainText().isEmpty());
     }
 
@@ -427,7 +446,7 @@ private slots:
         QCOMPARE(tabs->currentIndex(), 0);
         QCOMPARE(w.ui().messages(),
             QStringList { w.app().text(QStringLiteral("Msg"), QStringLiteral("<closeEdBeforeSearch>")) });
-        QCOMPARE(w.app().currentTuneKey, t1);
+        QCOMPARE(w.app().selection().tuneKey(), t1);
 
         QVERIFY(w.edit().cancel());
         QCOMPARE(w.node(t1)->ForeColor, 0);
@@ -448,7 +467,7 @@ private slots:
         const QString kFile = w.openNew(QStringLiteral("jigs.abc"));
         QVERIFY(w.trigger(command));
         QVERIFY(w.edit().isEditing());
-        QCOMPARE(w.app().currentTuneKey, w.tune(kFile, 4));
+        QCOMPARE(w.app().selection().tuneKey(), w.tune(kFile, 4));
         QVERIFY(w.text()->toPlainText().startsWith(QStringLiteral("X:4")));
         QVERIFY(!w.text()->isReadOnly());
     }

@@ -2,6 +2,7 @@
 // A fresh user root in a temporary folder, the shipped program folder, scripted dialogs and an
 // application context over them: what most core tests start from.
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/scripteddialogs.h"
 
 #include <QByteArray>

@@ -118,10 +118,10 @@ private slots:
         TestEnv env;
         AppContext &app = env.app();
         const QString kFile = app.store().FichierOuvrir(env.writeFile("a.abc", kTunes), false, true, false);
-        app.currentFileKey = kFile;
-        app.currentTuneKey = kFile + QStringLiteral("_tune1");
+        app.selection().setFileKey(kFile);
+        app.selection().setTuneKey(kFile + QStringLiteral("_tune1"));
         EditSession session(app);
-        QVERIFY(session.start(app.store().GetStringTune(app.currentTuneKey, false)));
+        QVERIFY(session.start(app.store().GetStringTune(app.selection().tuneKey(), false)));
         QCOMPARE(session.ring().size(), 10);
 
         // Without its X: line the text is refused and the session goes on.

@@ -576,7 +576,7 @@ private slots:
     {
         Window w;
         w.select(w.kFile + QStringLiteral("_hdrFile"));
-        QVERIFY(w.app().currentTuneKey.isEmpty());
+        QVERIFY(w.app().selection().tuneKey().isEmpty());
         w.key(Qt::Key_F5);
         QVERIFY(w.edit().isEditing());
         QCOMPARE(w.edit().session().target(), EditSession::Target::Header);

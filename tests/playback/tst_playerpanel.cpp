@@ -76,7 +76,7 @@ public:
         host.selectedText = [this] { return selection; };
         host.caret = [] { return qsizetype(0); };
         host.select = [this](qsizetype start, qsizetype length) { selected = { start, length }; };
-        host.selectedNodeKey = [this] { return env.app().currentTuneKey; };
+        host.selectedNodeKey = [this] { return env.app().selection().tuneKey(); };
         host.selectNode = [this](const QString &key) { select(tunes.indexOf(key)); };
         host.choiceList = &choiceList;
         panel->setHost(host);
@@ -90,8 +90,8 @@ public:
         AppContext &app = env.app();
         if (index < 0 || index >= tunes.size())
             return;
-        app.currentTuneKey = tunes.at(index);
-        app.currentFileKey = kFile;
+        app.selection().setTuneKey(tunes.at(index));
+        app.selection().setFileKey(kFile);
         text = app.store().GetStringTune(tunes.at(index), true);
         app.commands().setEnabled(QStringLiteral("bt_Midi1"), true);
         shown.append(index);

@@ -47,8 +47,8 @@ struct PanelWorld : ScoreWorld
 {
     PanelWorld()
     {
-        env.app().currentTuneKey = tuneKey;
-        env.app().currentFileKey = fileKey;
+        env.app().selection().setTuneKey(tuneKey);
+        env.app().selection().setFileKey(fileKey);
         panel.resize(400, 300);
     }
     QString tuneText() { return env.app().store().GetStringTune(tuneKey, false); }
@@ -212,7 +212,7 @@ private slots:
         PanelWorld world;
         const QString format = QStringLiteral(FENWORK_DATA_DIR "/fmt/whistle_new.fmt");
         world.env.app().ini().set(keys::FmtFile, format);
-        world.env.app().currentTuneKey.clear();
+        world.env.app().selection().setTuneKey(QString());
         world.panel.loadSettings();
         auto *list = world.child<QComboBox>("lst_Tabs");
         QVERIFY(list->count() > 2);

@@ -89,7 +89,7 @@ private slots:
         const QString path = w.node(kFile)->Tag;
         w.app().commands().setEnabled(QStringLiteral("save"), true);
 
-        w.app().currentFileKey = kFile;
+        w.app().selection().setFileKey(kFile);
         mnu_save(w.app(), 0);
 
         QCOMPARE(test::readAll(path), w.expectedSave(kSavedHeader, kSavedTunes));
@@ -197,7 +197,7 @@ private slots:
         const QByteArray before = test::readBytes(path);
         const QString target = w.env.path(QStringLiteral("rw.abc"));
         w.ui().pushFileName(target, 1);
-        w.app().currentFileKey = kFile;
+        w.app().selection().setFileKey(kFile);
 
         mnu_save(w.app(), 0);
 
@@ -232,7 +232,7 @@ private slots:
                 QStringLiteral("X:7\r\n%~~~EX~~~<new>\r\nK:C\r\nC|\r\n"), key::Trash, true);
         if (answer >= 0)
             w.ui().pushAnswer(Answer(answer));
-        w.app().currentFileKey = current;
+        w.app().selection().setFileKey(current);
 
         mnu_save(w.app(), 0);
 
@@ -265,8 +265,8 @@ private slots:
         const QByteArray before = test::readBytes(path);
         const QString caption = w.node(kFile)->Text;
         w.ui().pushAnswer(Answer(answer));
-        w.app().currentFileKey = kFile;
-        w.app().currentTuneKey = kFile + QStringLiteral("_tune2");
+        w.app().selection().setFileKey(kFile);
+        w.app().selection().setTuneKey(kFile + QStringLiteral("_tune2"));
         int pruned = 0;
 
         QCOMPARE(mnu_closeFile(w.app(), [&] { ++pruned; }), closed);
@@ -278,8 +278,8 @@ private slots:
         QCOMPARE(test::readBytes(path) != before, written);
         QCOMPARE(pruned, closed ? 1 : 0);
         if (closed) {
-            QVERIFY(w.app().currentFileKey.isEmpty());
-            QVERIFY(w.app().currentTuneKey.isEmpty());
+            QVERIFY(w.app().selection().fileKey().isEmpty());
+            QVERIFY(w.app().selection().tuneKey().isEmpty());
             QCOMPARE(w.selected, QStringList(key::Root));
             QCOMPARE(w.app().tree().root()->Text.left(14), QStringLiteral("Fennelworks (0"));
         }
@@ -300,7 +300,7 @@ private slots:
         w.store().SetFlagModifFile(kFile);
         // Another file is current: the save as must still be of the file being closed.
         const QString kOther = w.open(QStringLiteral("other.abc"));
-        w.app().currentFileKey = kOther;
+        w.app().selection().setFileKey(kOther);
         const QString target = w.env.path(QStringLiteral("new.abc"));
         w.ui().pushAnswer(Answer::Yes);
         w.ui().pushFileName(chooseName ? target : QString(), 1);
@@ -386,7 +386,7 @@ private slots:
         w.open(QStringLiteral("b.abc"), "X:9\nT:Third\nK:C\nC|\n");
         w.store().AddStringTune(QStringLiteral("X:5\r\nT:In the trash\r\nK:C\r\nC|\r\n"), key::Trash, true);
         w.app().tree().setForeColor(w.node(k1 + QStringLiteral("_tune2")), color::TuneLeftOut);
-        w.app().currentFileKey = k1;
+        w.app().selection().setFileKey(k1);
         const QString target = w.env.path(QStringLiteral("sel.abc"));
         w.ui().pushFileName(target, 1);
         w.ui().pushAnswer(openIt ? Answer::Yes : Answer::No);

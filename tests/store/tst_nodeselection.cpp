@@ -125,7 +125,7 @@ private slots:
             const NodeSelection s = describeNodeClick(app, key);
             QCOMPARE(int(s.column), int(SelectionColumn::None));
             applyNodeClick(app, s);
-            QCOMPARE(app.currentTuneKey, w.file + QStringLiteral("_tune1"));
+            QCOMPARE(app.selection().tuneKey(), w.file + QStringLiteral("_tune1"));
         }
         QVERIFY(app.commands().isEnabled(QStringLiteral("mnu_save1")));
     }

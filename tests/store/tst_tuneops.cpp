@@ -50,8 +50,8 @@ struct Fixture
     }
     void current(const QString &kTune)
     {
-        env.app().currentTuneKey = kTune;
-        env.app().currentFileKey = GetKFile(kTune);
+        env.app().selection().setTuneKey(kTune);
+        env.app().selection().setFileKey(GetKFile(kTune));
     }
     QString selected;
 };

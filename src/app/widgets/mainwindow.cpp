@@ -6,6 +6,7 @@
 #include "store/duplicates.h"
 #include "finding/widgets/filterpanel.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
@@ -251,7 +252,7 @@ void MainWindow::buildPanels()
     m_filter->filter().setChoiceList(m_choiceList);
     // A save as gives the current file a new path: the status bar follows.
     connect(m_model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from) {
-        if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.currentFileKey)
+        if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.selection().fileKey())
             m_status->setFilePath(node->Tag);
     });
 }
@@ -466,7 +467,7 @@ void MainWindow::NodeClick(const QString &key)
     else if (selection.content != PanelContent::Unchanged)
         m_score->showBlank();
     m_textPanel->setCaption(selection.caption);
-    m_status->setFilePath(GetPathFile(m_app, m_app.currentFileKey));
+    m_status->setFilePath(GetPathFile(m_app, m_app.selection().fileKey()));
 }
 
 void MainWindow::SimulerNodeClick(const QString &key)
@@ -536,17 +537,17 @@ void MainWindow::openFiles(const QStringList &paths, bool tellDoubled)
 
 void MainWindow::mnu_showDoublons_Click()
 {
-    if (m_app.currentFileKey.isEmpty()) {
+    if (m_app.selection().fileKey().isEmpty()) {
         m_app.ui().message(m_app.text(kMsg, QStringLiteral("<selectFile>")));
         return;
     }
     int doubled = 0;
-    ShowDoublonsX(m_app, m_app.currentFileKey, true, doubled);
+    ShowDoublonsX(m_app, m_app.selection().fileKey(), true, doubled);
 }
 
 void MainWindow::tr_ABC_DblClick()
 {
-    if (m_app.currentTuneKey.isEmpty())
+    if (m_app.selection().tuneKey().isEmpty())
         return;
     switch (m_app.ini().getInt(keys::DblClcIdx)) {
     case 0:

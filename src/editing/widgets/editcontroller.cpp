@@ -4,6 +4,7 @@
 #include "editing/widgets/abceditor.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/paths.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
@@ -449,7 +450,7 @@ bool EditController::eventFilter(QObject *watched, QEvent *event)
         const int code = key->key();
         const bool typing = mods == Qt::NoModifier
             && ((code >= 45 && code <= 111) || code == Qt::Key_Delete || code == Qt::Key_Insert);
-        if (typing && !m_app.currentTuneKey.isEmpty() && m_app.commands().isEnabled(kAbcEdit)) {
+        if (typing && !m_app.selection().tuneKey().isEmpty() && m_app.commands().isEnabled(kAbcEdit)) {
             if (m_app.ui().question(m_app.text(QStringLiteral("Msg"), QStringLiteral("<noedit>")))
                 == UserDialogs::Answer::Yes)
                 abcedit();

@@ -9,6 +9,7 @@
 #include "editing/transpose.h"
 #include "editing/widgets/abctextpanel.h"
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 
@@ -166,7 +167,7 @@ QString EditController::getCurLineAsTune() const
 {
     const QPlainTextEdit *editor = m_panel->editor();
     return fenwork::getCurLineAsTune(
-        m_app, m_app.currentTuneKey, editor->toPlainText(), editor->textCursor().position());
+        m_app, m_app.selection().tuneKey(), editor->toPlainText(), editor->textCursor().position());
 }
 
 } // namespace fenwork

@@ -3,6 +3,7 @@
 #include "playback/widgets/playerpanel.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
 #include "frame/settings.h"
@@ -233,21 +234,21 @@ void PlayerPanel::runPlay()
             answer = m_app.tools().WaitForDispo(midiPath, 6000);
         } else {
             prepareCountDown();
-            const Node *tune = m_app.tree().find(m_app.currentTuneKey);
+            const Node *tune = m_app.tree().find(m_app.selection().tuneKey());
             m_tunePlay->setText(tune ? tune->Text : QString());
 
             PlayInput input;
             input.text = m_host.text ? m_host.text() : QString();
             const QString selectedKey
-                = m_host.selectedNodeKey ? m_host.selectedNodeKey() : m_app.currentTuneKey;
+                = m_host.selectedNodeKey ? m_host.selectedNodeKey() : m_app.selection().tuneKey();
             if (!selectedKey.contains(u"hdrTune") && m_host.selectedText)
                 input.selection = m_host.selectedText();
             if (m_oneLine->isChecked())
                 input.currentLineTune = m_host.currentLineTune
                     ? m_host.currentLineTune()
                     : player::currentLineAsTune(input.text, m_host.caret ? m_host.caret() : 0);
-            if (!m_app.currentFileKey.isEmpty())
-                input.fileHeader = m_app.store().GetStringHdrFile(m_app.currentFileKey, false);
+            if (!m_app.selection().fileKey().isEmpty())
+                input.fileHeader = m_app.store().GetStringHdrFile(m_app.selection().fileKey(), false);
             input.tempoDef = m_app.ini().get(keys::TempoDef);
             PlayOptions options;
             options.noChords = m_noChords->isChecked();
@@ -418,10 +419,10 @@ void PlayerPanel::mnu_playTune()
 void PlayerPanel::bt_playNextPrev_Click(int index)
 {
     setFocus();
-    if (m_app.currentTuneKey.isEmpty())
+    if (m_app.selection().tuneKey().isEmpty())
         return;
     pressStop();
-    const Node *tune = m_app.tree().find(m_app.currentTuneKey);
+    const Node *tune = m_app.tree().find(m_app.selection().tuneKey());
     const Node *sibling = tune ? (index == 0 ? tune->previousSibling() : tune->nextSibling()) : nullptr;
     if (!sibling || !m_host.selectNode)
         return;
@@ -432,14 +433,14 @@ void PlayerPanel::bt_playNextPrev_Click(int index)
 
 void PlayerPanel::mnu_PlayFile(int index)
 {
-    const Node *body = m_app.tree().find(m_app.currentFileKey + key::BdyFile);
+    const Node *body = m_app.tree().find(m_app.selection().fileKey() + key::BdyFile);
     if (!body || body->childCount() == 0 || !m_host.selectNode)
         return;
     {
         const QSignalBlocker block(m_loop);
         m_loop->setChecked(false);
     }
-    QString key = m_app.currentTuneKey;
+    QString key = m_app.selection().tuneKey();
     const Node *start = m_app.tree().find(key);
     if (!start || start->parent() != body)
         key = body->firstChild()->Key;

@@ -1,6 +1,7 @@
 #include "score/widgets/scorepanel.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/settings.h"
@@ -343,8 +344,8 @@ void ScorePanel::refresh(Request request)
 void ScorePanel::runOne(const Request &request)
 {
     ScoreSource source;
-    source.tuneKey = m_app.currentTuneKey;
-    source.fileKey = m_app.currentFileKey;
+    source.tuneKey = m_app.selection().tuneKey();
+    source.fileKey = m_app.selection().fileKey();
     source.editorText = request.hasText ? request.text : textSource ? textSource() : m_lastText;
     source.oneLine = oneLineTicked && oneLineTicked();
     if (source.oneLine && currentLineTune)
