@@ -1,5 +1,6 @@
 #include "frame/appcontext.h"
 
+#include "frame/clipboard.h"
 #include "frame/commandstate.h"
 #include "frame/selection.h"
 #include "frame/inifile.h"
@@ -25,6 +26,7 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_tree(std::make_unique<WorkspaceTree>()),
       m_commands(std::make_unique<CommandState>()),
       m_selection(std::make_unique<Selection>()),
+      m_ownClipboard(std::make_unique<MemoryClipboard>()),
       m_recent(std::make_unique<RecentFiles>(paths.cacheFolder())),
       m_store(std::make_unique<TuneStore>(*this)),
       m_tools(std::make_unique<ToolRunner>(*this))

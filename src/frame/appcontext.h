@@ -10,6 +10,7 @@
 
 namespace fenwork {
 
+class Clipboard;
 class CommandState;
 class Selection;
 class IniFile;
@@ -35,6 +36,9 @@ public:
     WorkspaceTree &tree() const { return *m_tree; }
     CommandState &commands() const { return *m_commands; }
     Selection &selection() const { return *m_selection; }
+    // A private clipboard until the window gives the desktop's (null: back to the private one).
+    Clipboard &clipboard() const { return m_clipboard ? *m_clipboard : *m_ownClipboard; }
+    void setClipboard(Clipboard *clipboard) { m_clipboard = clipboard; }
     TuneStore &store() const { return *m_store; }
     RecentFiles &recent() const { return *m_recent; }
     ToolRunner &tools() const { return *m_tools; }
@@ -61,6 +65,8 @@ private:
     std::unique_ptr<WorkspaceTree> m_tree;
     std::unique_ptr<CommandState> m_commands;
     std::unique_ptr<Selection> m_selection;
+    std::unique_ptr<Clipboard> m_ownClipboard;
+    Clipboard *m_clipboard = nullptr;
     std::unique_ptr<RecentFiles> m_recent;
     std::unique_ptr<TuneStore> m_store;
     std::unique_ptr<ToolRunner> m_tools;

@@ -349,8 +349,7 @@ QString TuneStore::createNewFile()
     }
     m_encodings.insert(kFile, TextEncoding::Utf8);
     CompterTunesDansFichier(m_app, kFile);
-    if (selectNode)
-        selectNode(kFile);
+    emit nodeSelectionRequested(kFile);
     return kFile;
 }
 

@@ -32,8 +32,7 @@ QString msg(const AppContext &app, const char *key)
 
 void selectNode(AppContext &app, const QString &key)
 {
-    if (app.store().selectNode)
-        app.store().selectNode(key);
+    emit app.store().nodeSelectionRequested(key);
 }
 
 QString fileName(const QString &path)

@@ -79,8 +79,7 @@ void mnu_impMidi(AppContext &app)
         return;
     if (Node *tune = app.tree().find(key))
         app.tree().setImage(tune, Pic::TuneM);
-    if (app.store().selectNode)
-        app.store().selectNode(key);
+    emit app.store().nodeSelectionRequested(key);
     app.store().SetFlagModifFile(kFile);
     CompterTunesDansFichier(app, kFile);
 }

@@ -84,8 +84,8 @@ QString restoreFromTrash(AppContext &app, const QString &tuneKey, const QString 
     const QString kNew = app.store().AddStringTune(text, kTarget);
     CompterTunesDansFichier(app, kTarget);
     app.store().SetFlagModifFile(kTarget);
-    if (app.store().selectNode && !kNew.isEmpty())
-        app.store().selectNode(kNew);
+    if (!kNew.isEmpty())
+        emit app.store().nodeSelectionRequested(kNew);
     int count = 0;
     ShowDoublonsX(app, kTarget, false, count);
     if (Node *tune = tree.find(tuneKey))

@@ -2,6 +2,7 @@
 
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
+#include "frame/clipboard.h"
 #include "frame/selection.h"
 #include "frame/commandstate.h"
 #include "frame/inifile.h"
@@ -35,14 +36,13 @@ void setPasteEnabled(AppContext &app, bool enabled)
 
 void selectNode(AppContext &app, const QString &key)
 {
-    if (app.store().selectNode && !key.isEmpty())
-        app.store().selectNode(key);
+    if (!key.isEmpty())
+        emit app.store().nodeSelectionRequested(key);
 }
 
 void pruneChoiceList(AppContext &app)
 {
-    if (app.store().pruneChoiceList)
-        app.store().pruneChoiceList();
+    emit app.store().tunesRemoved();
 }
 
 void showDoubles(AppContext &app, const QString &kFile)
@@ -72,8 +72,7 @@ void CopierTune(AppContext &app, const QString &kTune, QString &pending)
         app.commands().setEnabled(QStringLiteral("mnu_pasteTune"), false);
         return;
     }
-    if (app.store().setClipboardText)
-        app.store().setClipboardText(text);
+    app.clipboard().setText(text);
     if (!pending.isEmpty()
         && app.ui().question(msg(app, "<clipNotSaved>") + CRLF + CRLF + msg(app, "<continue>"))
                != UserDialogs::Answer::Yes)
@@ -368,7 +367,7 @@ void mnu_impClipboard(AppContext &app)
         app.ui().message(msg(app, "<selectFile>"));
         return;
     }
-    QString text = app.store().clipboardText ? app.store().clipboardText() : QString();
+    QString text = app.clipboard().text();
     // The desktop's clipboard speaks LF; lines in memory end in CR LF.
     text = replaceAll(replaceAll(text, u"\r\n", u"\n"), u"\n", u"\r\n");
     if (!text.contains(QStringLiteral("K:")) && app.ui().question(msg(app, "<clipInval>")) != UserDialogs::Answer::Yes)

@@ -4,6 +4,7 @@
 #include "frame/textfile.h"
 
 #include <QHash>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -14,8 +15,9 @@ class AppContext;
 class Node;
 class RecentFiles;
 
-class TuneStore
+class TuneStore : public QObject
 {
+    Q_OBJECT
 public:
     explicit TuneStore(AppContext &app);
 
@@ -67,16 +69,15 @@ public:
     bool trashChanged = false;
     // The recent-files list that opening adds to; may be null.
     RecentFiles *recent = nullptr;
-    // Called when a new file wants to be selected (the window selects the node).
-    std::function<void(const QString &key)> selectNode;
     // A cut or copied tune waiting to be pasted, and one being dragged: key, CR LF, text.
     QString pendingTune;
     QString pendingDrag;
-    // The desktop's clipboard; unset in the batch companion and in tests that do not need it.
-    std::function<void(const QString &text)> setClipboardText;
-    std::function<QString()> clipboardText;
-    // Drops the choice list's items whose tune is gone.
-    std::function<void()> pruneChoiceList;
+
+signals:
+    // A node made or moved by an operation wants to be selected (the window clicks it).
+    void nodeSelectionRequested(const QString &key);
+    // Tunes left the tree: whoever keeps references to them drops those now gone.
+    void tunesRemoved();
 
 private:
     // The tune of `lines` (the X: line first); blank lines are skipped.

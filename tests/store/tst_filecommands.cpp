@@ -39,7 +39,8 @@ public:
     {
         createWorkspaceRoot(app());
         app().ini().set(keys::Ask4alias, QStringLiteral("0"));
-        app().store().selectNode = [this](const QString &key) { selected.append(key); };
+        QObject::connect(&app().store(), &TuneStore::nodeSelectionRequested,
+            [this](const QString &key) { selected.append(key); });
     }
     AppContext &app() { return env.app(); }
     ScriptedDialogs &ui() { return env.ui(); }

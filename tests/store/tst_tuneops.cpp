@@ -6,6 +6,7 @@
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
+#include "frame/clipboard.h"
 #include "store/trashbox.h"
 #include "store/treeops.h"
 #include "store/tuneops.h"
@@ -32,7 +33,8 @@ struct Fixture
     {
         createWorkspaceRoot(env.app());
         kFile = open(QStringLiteral("a.abc"), bytes);
-        env.app().store().selectNode = [this](const QString &key) { selected = key; };
+        QObject::connect(&env.app().store(), &TuneStore::nodeSelectionRequested,
+            [this](const QString &key) { selected = key; });
     }
     QString open(const QString &name, const QByteArray &bytes)
     {
@@ -278,7 +280,7 @@ private slots:
     void importFromClipboard()
     {
         Fixture f;
-        f.app().store().clipboardText = [] { return QStringLiteral("T:Loose\nabc|\n"); };
+        f.app().clipboard().setText(QStringLiteral("T:Loose\nabc|\n"));
         f.current(f.tune(1));
         f.env.ui().pushAnswer(Answer::No);
         mnu_impClipboard(f.app());

@@ -1,5 +1,7 @@
 #include "app/widgets/mainwindow.h"
 
+#include "frame/widgets/systemclipboard.h"
+
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
 #include "editing/widgets/insertiondialog.h"
@@ -101,18 +103,15 @@ MainWindow::MainWindow(AppContext &app, QWidget *parent)
         dialogs->setParentWidget(this);
         dialogs->setProgressStrip(m_progress);
     }
-    m_app.store().selectNode = [this](const QString &key) { SimulerNodeClick(key); };
-    m_app.store().pruneChoiceList = [this] { EpurerListeChoix(); };
-    m_app.store().setClipboardText = [](const QString &text) { QGuiApplication::clipboard()->setText(text); };
-    m_app.store().clipboardText = [] { return QGuiApplication::clipboard()->text(); };
+    connect(&m_app.store(), &TuneStore::nodeSelectionRequested, this, &MainWindow::SimulerNodeClick);
+    connect(&m_app.store(), &TuneStore::tunesRemoved, this, &MainWindow::EpurerListeChoix);
+    m_clipboard = std::make_unique<SystemClipboard>();
+    m_app.setClipboard(m_clipboard.get());
 }
 
 MainWindow::~MainWindow()
 {
-    m_app.store().selectNode = nullptr;
-    m_app.store().pruneChoiceList = nullptr;
-    m_app.store().setClipboardText = nullptr;
-    m_app.store().clipboardText = nullptr;
+    m_app.setClipboard(nullptr);
     if (auto *dialogs = dynamic_cast<WidgetDialogs *>(&m_app.ui())) {
         dialogs->setProgressStrip(nullptr);
         dialogs->setParentWidget(nullptr);

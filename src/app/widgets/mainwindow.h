@@ -1,4 +1,5 @@
 #pragma once
+#include <memory>
 #include "app/windowsession.h"
 
 #include <QMainWindow>
@@ -14,6 +15,7 @@ class AppContext;
 class ChoiceList;
 class ChoiceListPanel;
 class DronePanel;
+class SystemClipboard;
 class EditController;
 class ExplorerPanel;
 class FilterPanel;
@@ -116,6 +118,7 @@ private:
     ProgressStrip *m_progress = nullptr;
     MainStatusBar *m_status = nullptr;
     KeptSettings m_kept;
+    std::unique_ptr<SystemClipboard> m_clipboard;
     bool m_quitting = false;
     bool m_unattended = false;
     bool m_editMax = false;
