@@ -8,6 +8,7 @@
 #include "frame/userdialogs.h"
 #include "frame/version.h"
 #include "store/recentfiles.h"
+#include "store/trashbox.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
@@ -167,23 +168,6 @@ QStringList tempListKeys(const WorkspaceTree &tree, const QString &contents)
         if (!key.isEmpty())
             keys.append(key);
     return keys;
-}
-
-bool trimTrashBox(AppContext &app)
-{
-    bool ok = false;
-    const int limit = app.ini().get(keys::TrashMax).toInt(&ok);
-    Node *body = app.tree().find(key::TrashBody);
-    if (!ok || !body)
-        return false;
-    bool trimmed = false;
-    while (body->childCount() > qMax(0, limit)) {
-        app.tree().remove(body->firstChild());
-        trimmed = true;
-    }
-    if (trimmed)
-        CompterTunesDansFichier(app, key::Trash);
-    return trimmed;
 }
 
 void writeSessionAtQuit(AppContext &app, const QuitState &state)

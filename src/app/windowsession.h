@@ -55,8 +55,6 @@ QString tempListContents(const WorkspaceTree &tree, const QStringList &keys);
 // The keys at those places; pieces that are no number or lie beyond the tree are dropped.
 QStringList tempListKeys(const WorkspaceTree &tree, const QString &contents);
 
-// Drops the oldest tunes of the trash box beyond General/TrashMax. Returns whether any went.
-bool trimTrashBox(AppContext &app);
 
 // Everything the quit writes once the questions are answered: recent files, open files, choice
 // list, geometry, kept settings, the trash box, the version; then the scratch files go.

@@ -2,6 +2,8 @@
 
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "store/treeops.h"
@@ -114,6 +116,23 @@ bool emptyTrash(AppContext &app)
     CompterTunesDansFichier(app, key::Trash);
     saveTrash(app);
     return true;
+}
+
+bool trimTrashBox(AppContext &app)
+{
+    bool ok = false;
+    const int limit = app.ini().get(keys::TrashMax).toInt(&ok);
+    Node *body = app.tree().find(key::TrashBody);
+    if (!ok || !body)
+        return false;
+    bool trimmed = false;
+    while (body->childCount() > qMax(0, limit)) {
+        app.tree().remove(body->firstChild());
+        trimmed = true;
+    }
+    if (trimmed)
+        CompterTunesDansFichier(app, key::Trash);
+    return trimmed;
 }
 
 } // namespace fenwork

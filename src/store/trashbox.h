@@ -34,4 +34,7 @@ bool emptyTrash(AppContext &app);
 // Writes the box to its file.
 void saveTrash(AppContext &app);
 
+// Drops the oldest tunes of the trash box beyond General/TrashMax. Returns whether any went.
+bool trimTrashBox(AppContext &app);
+
 } // namespace fenwork

@@ -14,6 +14,7 @@
 #include "playback/widgets/playerpanel.h"
 #include "score/widgets/scorepanel.h"
 #include "app/session.h"
+#include "editing/recovery.h"
 #include "store/node.h"
 #include "store/treeops.h"
 #include "store/tuneops.h"

@@ -6,6 +6,7 @@
 
 #include "frame/inifile.h"
 #include "app/session.h"
+#include "editing/recovery.h"
 #include "frame/settings.h"
 #include "app/windowsession.h"
 #include "store/recentfiles.h"

@@ -5,6 +5,7 @@
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "app/session.h"
+#include "editing/recovery.h"
 #include "frame/settings.h"
 #include "frame/singleinstance.h"
 #include "frame/strutil.h"
