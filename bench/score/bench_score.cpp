@@ -3,7 +3,7 @@
 // Usage: bench_score [file.abc] [runs]
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 #include "frame/settings.h"
 #include "app/widgets/mainwindow.h"
 #include "score/widgets/scorepanel.h"

@@ -3,7 +3,7 @@
 // application context over them: what most core tests start from.
 #include "frame/appcontext.h"
 #include "frame/selection.h"
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "testmain.h"
 
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 #include "frame/widgets/progressstrip.h"
 #include "frame/widgets/widgetdialogs.h"
 

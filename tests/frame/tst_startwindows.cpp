@@ -3,7 +3,7 @@
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 #include "frame/settings.h"
 #include "app/widgets/firststartdialog.h"
 #include "frame/widgets/icons.h"

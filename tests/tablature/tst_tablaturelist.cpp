@@ -2,7 +2,7 @@
 #include "testmain.h"
 
 #include "frame/ghostscript.h"
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 #include "frame/toolrunner.h"
 #include "tablature/tablaturelist.h"
 

@@ -1,4 +1,4 @@
-#include "frame/scripteddialogs.h"
+#include "scripteddialogs.h"
 
 namespace fenwork {
 
