@@ -163,13 +163,6 @@ private slots:
         QCOMPARE(countBars(text), bars);
     }
 
-    void barMarkersNumbered()
-    {
-        const QString text = QStringLiteral("X:1\r\nK:G\r\n%%|\r\nabc|def|\r\n%%|99 old\r\n|:gab|cde:|\r\n%%|");
-        QCOMPARE(numberBarMarkers(text),
-            QStringLiteral("X:1\r\nK:G\r\n%%|1\r\nabc|def|\r\n%%|3\r\n|:gab|cde:|\r\n%%|5"));
-    }
-
     // What the program writes must read back the same: quotes, commas, line breaks and all.
     void insertionFileRoundTrip()
     {

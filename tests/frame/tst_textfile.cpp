@@ -131,19 +131,6 @@ private slots:
         QVERIFY(read.text.isEmpty());
     }
 
-    void writeReplaces()
-    {
-        const QString path = m_dir.filePath(QStringLiteral("replace.abc"));
-        writeBytes(path, "old contents, longer than the new ones");
-        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Latin1));
-        QCOMPARE(bytesOf(path), QByteArray("n\xe9"));
-        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Utf8));
-        QCOMPARE(bytesOf(path), QByteArray("n\xc3\xa9"));
-        // Nothing but the file itself is left in the folder.
-        QCOMPARE(QDir(m_dir.path()).entryList({ QStringLiteral("replace*") }, QDir::Files | QDir::Hidden),
-            QStringList { QStringLiteral("replace.abc") });
-    }
-
     void writeFailures_data()
     {
         // clang-format off

@@ -89,37 +89,6 @@ private slots:
         QCOMPARE(app.tree().root()->lastChild()->Key, second);
     }
 
-    // The header's lines in order, with the key endings and pictures they get, and the lines supplied
-    // (more cases in the golden folders header-lines and postscript-header).
-    void headerLines_data()
-    {
-        QTest::addColumn<QString>("header");
-        QTest::addColumn<QString>("expected");
-        const QString supplied = QStringLiteral("_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                                "_lgcreator chpetend @CREATOR@");
-        QTest::newRow("no header") << "" << supplied;
-        QTest::newRow("alias prefix is exact in case")
-            << "%abc\n%%ABC-alias X" << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                         "_lgcreator chpetend @CREATOR@\n_lg2 chpetend %%ABC-alias X";
-        QTest::newRow("PostScript block without end") << "%%beginps\nT:y"
-                                                       << supplied + "\n_lg1 chpetend %%beginps\n_lg2 noabc T:y";
-        QTest::newRow("pictures") << "%abc\nr:remark\nP:AB\nP:A\nV:1\n1:2\nabc|"
-                                  << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                     "_lgcreator chpetend @CREATOR@\n_lg2 rem r:remark\n_lg3 propr P:AB\n"
-                                     "_lg4 part P:A\n_lg5 voix V:1\n_lg6 mus 1:2\n_lg7 mus abc|";
-    }
-    void headerLines()
-    {
-        QFETCH(QString, header);
-        QFETCH(QString, expected);
-        test::TestEnv env;
-        const QString kFile = open(env, header + "\nX:1\nT:t\nK:C\nabc\n");
-        QVERIFY(!kFile.isEmpty());
-        QCOMPARE(env.ui().messages(), QStringList());
-        QCOMPARE(headerDump(env.app(), kFile), expected);
-        QCOMPARE(env.app().tree().find(kFile)->imageName(), QStringLiteral("fileabc"));
-    }
-
     // The alias: read from the file, typed, refused or never asked for, and what each does to the
     // caption and the changed state.
     void alias_data()

@@ -339,28 +339,6 @@ e f
         QVERIFY(env.app().recent().items().value(0).isEmpty());
     }
 
-    // One line of a megabyte, inside a tune and as a whole file with no tune.
-    void longLine()
-    {
-        test::TestEnv env;
-        QByteArray music;
-        while (music.size() < 1024 * 1024)
-            music += "abcd efga|";
-        const QString kFile = open(env, "X:1\r\nT:Long\r\nK:C\r\n" + music + "\r\n");
-        QVERIFY(!kFile.isEmpty());
-        const Node *line = env.app().tree().find(kFile + "_tune1_bdyTune_lg3");
-        QVERIFY(line);
-        QCOMPARE(line->Text.size(), music.size());
-        QCOMPARE(env.app().store().GetStringTune(kFile + "_tune1", false).size(),
-                 qsizetype(QByteArray("X:1\r\nT:Long\r\nK:C\r\n").size() + music.size() + 2));
-
-        test::TestEnv env2;
-        const QString kOther = open(env2, music, QStringLiteral("one.abc"));
-        QVERIFY(!kOther.isEmpty());
-        QCOMPARE(env2.ui().lastMessage(), env2.path("one.abc") + CRLF + CRLF + env2.app().text("Msg", "<lackingX>"));
-        QCOMPARE(env2.app().tree().find(kOther + "_hdrFile_lg1")->Text.size(), music.size());
-    }
-
     // Some fifty megabytes of tunes with long lines: all of them arrive, the last one whole.
     void largeFile()
     {

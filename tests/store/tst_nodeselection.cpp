@@ -238,27 +238,6 @@ private slots:
         QCOMPARE(thrown->ForeColor, colour);
     }
 
-    // The status bar names what is selected as the tree shows it, never by its internal key.
-    void statusCaption_data()
-    {
-        QTest::addColumn<QString>("clicked");
-        QTest::addColumn<QString>("caption");
-
-        QTest::newRow("root") << "abc" << "Fennelworks (1 file)";
-        QTest::newRow("file") << "@" << "Jigs [jigs.abc]";
-        QTest::newRow("file header line") << "=%%abc-alias Jigs" << "Jigs [jigs.abc]";
-        QTest::newRow("tune") << "@_tune2" << "Jigs [jigs.abc] \u203a [2]  Second";
-        QTest::newRow("line deep in a tune") << "=abc|abc|" << "Jigs [jigs.abc] \u203a [1]  First";
-        QTest::newRow("tune in the trash box") << "_file0_tune1" << "Trash box (1 tune) \u203a [7]  Thrown";
-        QTest::newRow("unknown key") << "_file9_tune9" << "";
-    }
-    void statusCaption()
-    {
-        QFETCH(QString, clicked);
-        QFETCH(QString, caption);
-        World w;
-        QCOMPARE(fenwork::statusCaption(w.tree(), w.key(clicked)), caption);
-    }
 };
 
 FENWORK_TEST(TestNodeSelection)

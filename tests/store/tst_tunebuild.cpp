@@ -107,33 +107,6 @@ private slots:
         QCOMPARE(env.ui().messages(), QStringList());
     }
 
-    // The caption: the X value as written, then the first title without its comment (more cases in
-    // the golden folder tune-fields).
-    void caption_data()
-    {
-        QTest::addColumn<QString>("xLine");
-        QTest::addColumn<QString>("lines");
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<QString>("writtenX");
-        QTest::newRow("last % counts") << "X:3" << "T:a % b % c" << "[3]  a % b" << "X:3";
-        QTest::newRow("empty X") << "X:" << "T:A" << "[]  A" << "X:";
-    }
-    void caption()
-    {
-        QFETCH(QString, xLine);
-        QFETCH(QString, lines);
-        QFETCH(QString, caption);
-        QFETCH(QString, writtenX);
-        test::TestEnv env;
-        const QString kFile = openBase(env);
-        const QString kTune = env.app().store().AddStringTune(crlf(xLine + "\n" + lines + "\nabc\n"), kFile);
-        QCOMPARE(env.app().tree().find(kTune)->Text, caption);
-        const QString text = env.app().store().GetStringTune(kTune, false);
-        QCOMPARE(text.left(text.indexOf(CRLF)), writtenX);
-        if (lines.startsWith(u"T:"))
-            QCOMPARE(env.app().tree().find(kTune + "_hdrTune_lg1")->Text, lines.section(u'\n', 0, 0));
-    }
-
     // ":|:" becomes ":||:" everywhere in the tune, comments too, and the caller's text says so.
     void repeatSign()
     {

@@ -42,25 +42,6 @@ private slots:
         QCOMPARE(int(keyKind(key)), kind);
     }
 
-    void linePictures_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("picture");
-        QTest::addColumn<QString>("trimmed");
-        QTest::newRow("include any case") << "  %%ABC-Include hdr.abc " << "include" << "%%ABC-Include hdr.abc";
-        QTest::newRow("R field") << "R:reel" << "propr" << "R:reel";
-        QTest::newRow("digit colon") << "1:2" << "mus" << "1:2";
-        QTest::newRow("tab stays") << "\tK:G" << "mus" << "\tK:G";
-    }
-    void linePictures()
-    {
-        QFETCH(QString, line);
-        QFETCH(QString, picture);
-        QFETCH(QString, trimmed);
-        QCOMPARE(picName(GetIconeLigne(line)), picture);
-        QCOMPARE(line, trimmed);
-    }
-
     void removeSubtreeForgetsKeys()
     {
         WorkspaceTree tree;
