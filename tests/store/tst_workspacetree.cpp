@@ -57,21 +57,6 @@ private slots:
         QVERIFY(tree.addChild(root, "_file1_hdrFile_lg1", "", Pic::Rem));
     }
 
-    // Closed files free their number: the next file takes it but stands last.
-    void setOneKeyReusesFreedNumbers()
-    {
-        test::TestEnv env;
-        createWorkspaceRoot(env.app());
-        WorkspaceTree &tree = env.app().tree();
-        for (int i = 0; i < 3; ++i)
-            SetOneKey(tree, tree.addChild(tree.root(), {}, "f", Pic::FileAbc), "_file");
-        tree.remove(tree.find("_file2"));
-        Node *next = tree.addChild(tree.root(), {}, "new", Pic::FileAbc);
-        SetOneKey(tree, next, "_file");
-        QCOMPARE(next->Key, QString("_file2"));
-        QCOMPARE(tree.root()->lastChild(), next);
-    }
-
     void captions_data()
     {
         QTest::addColumn<int>("tunes");
