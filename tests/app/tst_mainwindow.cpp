@@ -256,33 +256,6 @@ private slots:
         QVERIFY2(message.isEmpty() ? said.isEmpty() : said.contains(message), qPrintable(said));
     }
 
-    // A path handed over by a second start: opened when it is a file, otherwise the user is told.
-    void handedOver_data()
-    {
-        QTest::addColumn<QString>("name"); // "" : a path that does not exist
-        QTest::addColumn<int>("opened");
-        QTest::newRow("a file") << "ok.abc" << 1;
-        QTest::newRow("nothing there") << "" << 0;
-        QTest::newRow("a folder") << "folder" << 0;
-    }
-    void handedOver()
-    {
-        QFETCH(QString, name);
-        QFETCH(int, opened);
-        Window w;
-        QString path = w.env.path(name.isEmpty() ? QStringLiteral("gone.abc") : name);
-        if (name == u"folder")
-            QDir().mkpath(path);
-        else if (!name.isEmpty())
-            w.write(name, kJigs);
-        w.window->openHandedOver(path);
-        QCOMPARE(openFileCount(w.app()), opened);
-        const QStringList said = w.ui().messages();
-        QCOMPARE(said.size(), 1 - opened);
-        if (!opened)
-            QVERIFY2(said.first().contains(path), qPrintable(said.first()));
-    }
-
     // Save and save as through the menus: the save button follows the changed state, the node, the
     // status bar and the recent list take the new path.
     void saveAndSaveAs()

@@ -201,25 +201,6 @@ private slots:
         QCOMPARE(text.mid(span.start, span.length), word);
     }
 
-    void transposeStepText_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("down");
-        QTest::addColumn<int>("step");
-        QTest::newRow("up") << "2" << false << 2;
-        QTest::newRow("down") << "3" << true << -3;
-        QTest::newRow("blanks") << " 5 " << false << 5;
-        QTest::newRow("not a number") << "two" << false << 0;
-        QTest::newRow("empty") << "" << true << 0;
-    }
-    void transposeStepText()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, down);
-        QFETCH(int, step);
-        QCOMPARE(transposeStep(text, down), step);
-    }
-
     void transposeWithTool_data()
     {
         QTest::addColumn<int>("halfTones");

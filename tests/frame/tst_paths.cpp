@@ -27,15 +27,6 @@ class TestPaths : public QObject
     Q_OBJECT
 
 private slots:
-    void fromEnvironment()
-    {
-        QTemporaryDir dir;
-        const test::EnvGuard root("FENNELWORKS_ROOT", QFile::encodeName(dir.path() + QStringLiteral("/r/")));
-        const test::EnvGuard app("FENNELWORKS_APPDIR", QFile::encodeName(dir.path() + QStringLiteral("/app")));
-        const Paths paths = Paths::fromEnvironment();
-        QCOMPARE(paths.userRoot(), dir.path() + QStringLiteral("/r"));
-        QCOMPARE(paths.programFolder(), dir.path() + QStringLiteral("/app"));
-    }
 
     void defaultRootFollowsXdg()
     {

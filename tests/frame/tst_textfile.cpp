@@ -109,28 +109,6 @@ private slots:
         QCOMPARE(read.text.back(), QChar(u'é'));
     }
 
-    void readFailures_data()
-    {
-        // clang-format off
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("makeFolder");
-        QTest::newRow("missing") << "nothing-here.abc" << false;
-        QTest::newRow("folder") << "a-folder.abc" << true;
-        // clang-format on
-    }
-    void readFailures()
-    {
-        QFETCH(QString, name);
-        QFETCH(bool, makeFolder);
-        const QString path = m_dir.filePath(name);
-        if (makeFolder)
-            QVERIFY(QDir(m_dir.path()).mkpath(name));
-        const TextFileResult read = readTextFile(path);
-        QVERIFY(!read.ok);
-        QVERIFY(!read.error.isEmpty());
-        QVERIFY(read.text.isEmpty());
-    }
-
     void writeFailures_data()
     {
         // clang-format off

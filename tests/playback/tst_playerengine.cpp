@@ -241,28 +241,6 @@ private slots:
         QVERIFY2(qAbs(rest.soundEnd() - 3.0) < 0.4, qPrintable(QString::number(rest.soundEnd())));
     }
 
-    // repeats -> passes heard of a two-second tune
-    void repeats_data()
-    {
-        QTest::addColumn<int>("repeats");
-        QTest::addColumn<double>("seconds");
-        QTest::newRow("three times") << 2 << 6.0;
-    }
-
-    void repeats()
-    {
-        QFETCH(int, repeats);
-        QFETCH(double, seconds);
-        Rig rig;
-        QVERIFY(rig.player.load(
-            write(QStringLiteral("four.mid"), MidiBuilder(120, 0, kFlute).notes(72, 4, 1).bytes())));
-        rig.player.setRepeats(repeats);
-        QVERIFY(rig.player.play());
-        rig.render(seconds + 2);
-        QVERIFY2(
-            qAbs(rig.sound.soundEnd() - seconds) < 0.5, qPrintable(QString::number(rig.sound.soundEnd())));
-    }
-
     void endlessLoopUntilUnticked()
     {
         Rig rig;

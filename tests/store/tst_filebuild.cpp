@@ -144,7 +144,8 @@ private slots:
         QCOMPARE(app.tree().find(kFile)->Text, caption);
     }
 
-    // A file with header lines only: a warning, an empty body, and nothing supplied or asked.
+    // A file with header lines only: a warning, an empty body, nothing supplied or asked, and it
+    // still counts as an open file.
     void headerOnly()
     {
         test::TestEnv env;
@@ -156,6 +157,7 @@ private slots:
         QCOMPARE(headerDump(app, kFile), QStringLiteral("_lgabc rem %abc\n_lg2 rem % only a header"));
         QCOMPARE(app.tree().find(kFile + "_bdyFile")->childCount(), 0);
         QCOMPARE(app.tree().find(kFile)->Text, QStringLiteral("[hdr.abc]"));
+        QVERIFY(app.tree().root()->Text.startsWith(QStringLiteral("Fennelworks (1 ")));
         QCOMPARE(app.store().GetStringFile(kFile, false, false), crlf("%abc\n% only a header\n\n"));
     }
 

@@ -144,17 +144,6 @@ private slots:
                  QStringLiteral("X:1\r\nT:A\r\nK:C\r\nab") + QString(2, QChar(0)) + QStringLiteral("cd|\r\n"));
     }
 
-    // A file with no tune counts as an open file at the root.
-    void fileWithoutTunesIsCounted()
-    {
-        test::TestEnv env;
-        createWorkspaceRoot(env.app());
-        const QString path = env.writeFile(QStringLiteral("t.abc"), "%%pagewidth 21cm\n");
-        QVERIFY(!env.app().store().FichierOuvrir(path, false, true, false).isEmpty());
-        QVERIFY2(env.app().tree().root()->Text.startsWith(QStringLiteral("Fennelworks (1 ")),
-                 qPrintable(env.app().tree().root()->Text));
-    }
-
     // A file opened by a relative path is known by its absolute one: in the tree, the recent list
     // and the open-file list that the next start reads from wherever it runs.
     void relativePathKeptAbsolute()

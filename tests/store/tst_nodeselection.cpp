@@ -177,23 +177,6 @@ private slots:
         QVERIFY(lines.contains(QStringLiteral(" Size     : ")));
     }
 
-    void lineSelection_data()
-    {
-        QTest::addColumn<QString>("panel");
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<int>("start");
-        QTest::newRow("a repeated line marks its first copy") << "X:1\nabc|\nK:G\nabc|\n" << "abc|" << 4;
-        QTest::newRow("absent") << "X:1\nK:G\n" << "T:B" << -1;
-        QTest::newRow("empty line") << "X:1\n\nK:G\n" << "" << -1;
-    }
-    void lineSelection()
-    {
-        QFETCH(QString, panel);
-        QFETCH(QString, line);
-        QFETCH(int, start);
-        QCOMPARE(int(lineSelectionStart(panel, line)), start);
-    }
-
     // Marks: "g" a grey (left out) tune, "b" a black one; the result after one Ctrl+click.
     void marks_data()
     {

@@ -93,30 +93,6 @@ private slots:
         QCOMPARE(tree.find("_file0")->Bold, trashBold);
     }
 
-    void aliasAndOpenCheck()
-    {
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        WorkspaceTree &tree = app.tree();
-        Node *file = tree.addChild(tree.root(), "_file1", "", Pic::FileAbc);
-        file->Tag = "/tmp/Reels.abc";
-        Node *hdr = tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
-        bool found = true;
-        QCOMPARE(GetAliasFile(app, "_file1", &found), QString());
-        QVERIFY(!found);
-        Node *alias = tree.addChild(hdr, "_file1_hdrFile_lgalias", "%%abc-alias  Reels ", Pic::ChpEtend);
-        QCOMPARE(GetAliasFile(app, "_file1", &found), QString("Reels"));
-        QVERIFY(found);
-        tree.setText(alias, "%%abc-alias none");
-        QCOMPARE(GetAliasFile(app, "_file1"), QString());
-        QCOMPARE(GetPathFile(app, "_file1"), QString("/tmp/Reels.abc"));
-        QVERIFY(!IsOpenFile(app, "/tmp/reels.abc")); // exact comparison
-        QVERIFY(env.ui().messages().isEmpty());
-        QVERIFY(IsOpenFile(app, "/tmp/Reels.abc"));
-        QVERIFY(env.ui().lastMessage().contains(app.text("Msg", "<openSyn>")));
-    }
-
     // The view sees a consistent model through inserts, builds, removals and resets.
     void modelFollowsTree()
     {
