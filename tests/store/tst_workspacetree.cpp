@@ -57,42 +57,6 @@ private slots:
         QVERIFY(tree.addChild(root, "_file1_hdrFile_lg1", "", Pic::Rem));
     }
 
-    void captions_data()
-    {
-        QTest::addColumn<int>("tunes");
-        QTest::addColumn<QString>("suffix");
-        QTest::addColumn<bool>("trashBold");
-        QTest::newRow("none") << 0 << "(<empty>)" << false;
-        QTest::newRow("two") << 2 << "(2 <tunes>)" << true;
-    }
-    void captions()
-    {
-        QFETCH(int, tunes);
-        QFETCH(QString, suffix);
-        QFETCH(bool, trashBold);
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        WorkspaceTree &tree = app.tree();
-        Node *file = tree.addChild(tree.root(), "_file1", "[a.abc]", Pic::FileAbc);
-        tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
-        Node *body = tree.addChild(file, "_file1_bdyFile", "", Pic::BdyFile);
-        for (int i = 1; i <= tunes; ++i) {
-            tree.addChild(body, "_file1_tune" + QString::number(i), "", Pic::Tune);
-            tree.addChild(tree.find("_file0_bdyFile"), "_file0_tune" + QString::number(i), "", Pic::Tune);
-        }
-        const auto expand = [&](QString text) {
-            for (const char *k : {"<empty>", "<tune>", "<tunes>"})
-                text.replace(QString::fromLatin1(k), app.text("Mainform", QString::fromLatin1(k)));
-            return text;
-        };
-        CompterTunesDansFichier(app, "_file1");
-        QCOMPARE(body->Text, app.text("MainForm", "<fileBody>") + " " + expand(suffix));
-        CompterTunesDansFichier(app, "_file0");
-        QCOMPARE(tree.find("_file0")->Text, app.text("Mainform", "<trashbox>") + " " + expand(suffix));
-        QCOMPARE(tree.find("_file0")->Bold, trashBold);
-    }
-
     // The view sees a consistent model through inserts, builds, removals and resets.
     void modelFollowsTree()
     {
