@@ -26,19 +26,14 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSplitter>
 #include <QTabWidget>
 #include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
 #include <QUrl>
 #include <memory>
 

@@ -2,7 +2,6 @@
 
 #include "frame/ghostscript.h"
 
-#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>

@@ -6,7 +6,6 @@
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTest>
 

@@ -11,7 +11,6 @@
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTest>
 

@@ -7,7 +7,6 @@
 #include "store/workspacetree.h"
 
 #include <QAbstractItemModelTester>
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
