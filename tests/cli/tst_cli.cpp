@@ -172,15 +172,6 @@ private slots:
         QCOMPARE(test::readBytes(in), kInput);
     }
 
-    void help()
-    {
-        Cli cli;
-        for (const char *argument : { "--help", "help" }) {
-            const Run run = cli.run({ QString::fromLatin1(argument) });
-            QCOMPARE(run.exitCode, 0);
-            QVERIFY(run.out.contains("normalize IN [OUT]"));
-        }
-    }
 };
 
 FENWORK_TEST(TestCli)

@@ -173,26 +173,6 @@ private slots:
         QVERIFY(Lire_insAuto(env.path(QStringLiteral("none.dat"))).isEmpty());
     }
 
-    void insertionWord_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("caret");
-        QTest::addColumn<QString>("word");
-        QTest::newRow("between a blank and a comma") << "abc jig,def" << 5 << "jig";
-        QTest::newRow("caret behind the word") << "A2 tr|" << 5 << "tr";
-        QTest::newRow("line start") << "x\r\nroll B" << 3 << "roll";
-        QTest::newRow("inline field") << "[K:Dmix" << 5 << "Dmix";
-        QTest::newRow("nothing under the caret") << "a  b" << 2 << "";
-    }
-    void insertionWord()
-    {
-        QFETCH(QString, text);
-        QFETCH(int, caret);
-        QFETCH(QString, word);
-        const TextSpan span = insertionWordAt(text, caret);
-        QCOMPARE(text.mid(span.start, span.length), word);
-    }
-
     void transposeWithTool_data()
     {
         QTest::addColumn<int>("halfTones");

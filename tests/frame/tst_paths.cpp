@@ -69,19 +69,6 @@ private slots:
         QCOMPARE(uniqueName(QStringLiteral("NewAbcFile"), extension, dir.path() + u'/'), expected);
     }
 
-    void uniqueNameExhausted()
-    {
-        QTemporaryDir dir;
-        for (int n = 1; n <= 4; ++n) {
-            QFile file(dir.filePath(QStringLiteral("m") + QString::number(n)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-        }
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path(), 3), QString());
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path()), QStringLiteral("m5"));
-        QFile::remove(dir.filePath(QStringLiteral("m3")));
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path(), 3), QStringLiteral("m3"));
-    }
-
     void toolDefaults()
     {
         QTemporaryDir dir;

@@ -164,23 +164,6 @@ private slots:
             QVERIFY2(error.contains(from), qPrintable(error));
     }
 
-    void declaresLatin1_data()
-    {
-        // clang-format off
-        QTest::addColumn<QString>("header");
-        QTest::addColumn<bool>("latin1");
-        QTest::newRow("iso-8859-1") << "%abc-2.1\r\n%%abc-charset iso-8859-1\r\n" << true;
-        QTest::newRow("upper case, spaced") << "%%abc-charset  ISO 8859-1" << true;
-        QTest::newRow("iso-8859-15") << "%%abc-charset iso-8859-15" << false;
-        QTest::newRow("none") << "%abc-2.1\r\nT:x" << false;
-        // clang-format on
-    }
-    void declaresLatin1()
-    {
-        QFETCH(QString, header);
-        QFETCH(bool, latin1);
-        QCOMPARE(headerDeclaresLatin1(header), latin1);
-    }
 };
 
 FENWORK_TEST(TestTextFile)

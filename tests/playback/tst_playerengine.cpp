@@ -1,5 +1,5 @@
-// The player engine heard through the synthesiser, rendered to memory: what sounds, how long, how
-// high and how loud, and what is left sounding after a stop.
+// The player engine heard through the synthesiser, rendered to memory: what sounds, how long and
+// how loud, and what is left sounding after a stop.
 #include "audiocheck.h"
 #include "testenv.h"
 #include "testmain.h"
@@ -147,28 +147,6 @@ private slots:
         const QString chosen = fenwork::chooseSoundFont(
             setting.isEmpty() ? QString() : folder.filePath(setting), { folder.path() });
         QCOMPARE(QFileInfo(chosen).fileName(), expected);
-    }
-
-    void transposition_data()
-    {
-        QTest::addColumn<int>("halfTones");
-        QTest::newRow("an octave up") << 12;
-        QTest::newRow("an octave down") << -12;
-    }
-
-    void transposition()
-    {
-        QFETCH(int, halfTones);
-        Rig rig;
-        QVERIFY(rig.player.load(
-            write(QStringLiteral("a4.mid"), MidiBuilder(120, 0, kFlute).note(kA4, 4).bytes())));
-        rig.player.setTranspose(halfTones);
-        QVERIFY(rig.player.play());
-        const Sound sound = rig.render(1.5);
-        const double heard = sound.frequency(0.5, 1.3);
-        const double wanted = 440.0 * std::pow(2.0, halfTones / 12.0);
-        QVERIFY2(qAbs(semitones(wanted, heard)) < 0.3,
-            qPrintable(QStringLiteral("heard %1 Hz, wanted %2 Hz").arg(heard).arg(wanted)));
     }
 
     // A note that began before the transposition changed ends where it began: nothing is left

@@ -1,4 +1,4 @@
-// Opening ABC files: line ends, the spelling rewrites, PostScript blocks, the backup copy,
+// Opening ABC files: line ends, the spelling rewrites, PostScript blocks,
 // encodings kept on save, and files that cannot be opened. Golden folders under data/ hold whole
 // files: input.abc (with any files it includes), expected.abc (what a save writes, the creator line
 // as "@CREATOR@") and tree.txt (the nodes below the file node).
@@ -200,28 +200,6 @@ e f
 
 
 )"));
-    }
-
-    void backup_data()
-    {
-        QTest::addColumn<QString>("setting");
-        QTest::addColumn<bool>("made");
-        QTest::newRow("on") << "1" << true;
-        QTest::newRow("off") << "0" << false;
-    }
-    // The backup holds the bytes as they were on disk, before any rewrite; an older one is replaced.
-    void backup()
-    {
-        QFETCH(QString, setting);
-        QFETCH(bool, made);
-        test::TestEnv env;
-        env.app().ini().set(keys::FichBak, setting);
-        const QByteArray bytes("X:1\nK:C\nabc| 1 d\\'e :|:\n");
-        const QString bak = env.writeFile("t.abc.BAK", "old copy");
-        const QString kFile = open(env, bytes);
-        QVERIFY(!kFile.isEmpty());
-        QCOMPARE(test::readBytes(bak), made ? bytes : QByteArray("old copy"));
-        QCOMPARE(test::readBytes(env.path("t.abc")), bytes); // opening never writes the file
     }
 
     // A path already open, in any case of letters, gives the open key: nothing is read again.
