@@ -173,36 +173,19 @@ private slots:
         QVERIFY(Lire_insAuto(env.path(QStringLiteral("none.dat"))).isEmpty());
     }
 
-    void transposeWithTool_data()
-    {
-        QTest::addColumn<int>("halfTones");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("firstNote");
-        QTest::newRow("two up") << 2 << "K:A"
-                                << "A";
-        QTest::newRow("two down") << -2 << "K:F"
-                                  << "F";
-        QTest::newRow("none") << 0 << "K:G"
-                              << "G";
-    }
+    // Two half-tones up through the real tool; a stale score file of an earlier run goes with it.
     void transposeWithTool()
     {
-        QFETCH(int, halfTones);
-        QFETCH(QString, key);
-        QFETCH(QString, firstNote);
         if (QStandardPaths::findExecutable(QStringLiteral("abc2abc")).isEmpty())
             QSKIP("abc2abc is not installed");
         TestEnv env;
-        // A stale score file of an earlier run goes with the transposition.
         const QString stale = env.app().tools().inCache(QStringLiteral("tmp.ps"));
         QFile(stale).open(QIODevice::WriteOnly);
-        const QString moved
-            = transposeText(env.app(), QStringLiteral("X:1\nT:Small\nL:1/8\nK:G\nGABc d2|\n"), halfTones);
+        const QString moved = transposeText(env.app(), QStringLiteral("X:1\nT:Small\nL:1/8\nK:G\nGABc d2|\n"), 2);
         QVERIFY2(env.ui().messages().isEmpty(), qPrintable(env.ui().messages().join(u'|')));
-        QVERIFY2(moved.contains(key), qPrintable(moved));
+        QVERIFY2(moved.contains(QStringLiteral("K:A")), qPrintable(moved));
         // The music is the last line; the tool adds fields of its own above it.
-        const QStringList lines = QString(moved).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
-        QCOMPARE(lines.last().left(1), firstNote);
+        QVERIFY(QString(moved).remove(u'\r').trimmed().section(u'\n', -1).startsWith(u'A'));
         QVERIFY(moved.contains(QStringLiteral("T:Small")));
         QVERIFY(!QFile::exists(stale));
     }
