@@ -1,4 +1,4 @@
-// Building a file's nodes: the file node, the header lines with their fixed keys, the alias
+// Building a file's nodes: the header lines with their fixed keys, the alias
 // question, files without tunes, a header rebuilt after an edit, the trash file.
 #include "testenv.h"
 #include "testmain.h"
@@ -54,39 +54,6 @@ class TestFileBuild : public QObject
     }
 
 private slots:
-    // A read-only file and the folding setting; a second file takes the next number and stands last.
-    void fileNodes_data()
-    {
-        QTest::addColumn<bool>("readOnly");
-        QTest::addColumn<QString>("fileExpand");
-        QTest::addColumn<QString>("picture");
-        QTest::addColumn<bool>("expanded");
-        QTest::newRow("read-only") << true << "1" << "filero" << true;
-        QTest::newRow("folded") << false << "0" << "fileabc" << false;
-    }
-    void fileNodes()
-    {
-        QFETCH(bool, readOnly);
-        QFETCH(QString, fileExpand);
-        QFETCH(QString, picture);
-        QFETCH(bool, expanded);
-        test::TestEnv env;
-        AppContext &app = env.app();
-        app.ini().set(keys::FileExpand, fileExpand);
-        const QString kFile =
-            open(env, "%%abc-alias Reels\nX:1\nT:A\nabc\nX:2\nT:B\ndef\n", "Reels.abc", true, readOnly);
-        QCOMPARE(kFile, QStringLiteral("_file1"));
-        const Node *file = app.tree().find(kFile);
-        QCOMPARE(file->Text, QStringLiteral("Reels [Reels.abc]"));
-        QCOMPARE(file->Tag, env.path("Reels.abc"));
-        QCOMPARE(file->imageName(), picture);
-        QCOMPARE(file->Expanded, expanded);
-        QCOMPARE(app.recent().items().value(0), env.path("Reels.abc"));
-
-        const QString second = open(env, "X:1\nT:C\nabc\n", "second.abc");
-        QCOMPARE(second, QStringLiteral("_file2"));
-        QCOMPARE(app.tree().root()->lastChild()->Key, second);
-    }
 
     // The alias: read from the file, typed, refused or never asked for, and what each does to the
     // caption and the changed state.
