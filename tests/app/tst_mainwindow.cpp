@@ -26,20 +26,16 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSplitter>
 #include <QTabWidget>
 #include <QTest>
 #include <QSignalSpy>
 #include <QTimer>
-#include <QTreeWidget>
 #include <QUrl>
 #include <memory>
 
@@ -173,9 +169,6 @@ private slots:
         QCOMPARE(w.window->status()->filePath(), b);
         QCOMPARE(w.tree()->currentKey(), kFile);
         QVERIFY(w.text()->toPlainText().contains(QStringLiteral(" Path     : ") + b));
-        QCOMPARE(w.action(QStringLiteral("mnu_Recents0"))->data().toString(), b);
-        QCOMPARE(w.action(QStringLiteral("mnu_Recents1"))->data().toString(), a);
-        QVERIFY(!w.action(QStringLiteral("mnu_Recents2"))->isVisible());
         QVERIFY(!w.ui().hadUnexpectedPrompts());
     }
 
@@ -276,33 +269,6 @@ private slots:
         QCOMPARE(w.window->status()->filePath(), lastFile);
         const QString said = w.ui().messages().join(u'|');
         QVERIFY2(message.isEmpty() ? said.isEmpty() : said.contains(message), qPrintable(said));
-    }
-
-    // A path handed over by a second start: opened when it is a file, otherwise the user is told.
-    void handedOver_data()
-    {
-        QTest::addColumn<QString>("name"); // "" : a path that does not exist
-        QTest::addColumn<int>("opened");
-        QTest::newRow("a file") << "ok.abc" << 1;
-        QTest::newRow("nothing there") << "" << 0;
-        QTest::newRow("a folder") << "folder" << 0;
-    }
-    void handedOver()
-    {
-        QFETCH(QString, name);
-        QFETCH(int, opened);
-        Window w;
-        QString path = w.env.path(name.isEmpty() ? QStringLiteral("gone.abc") : name);
-        if (name == u"folder")
-            QDir().mkpath(path);
-        else if (!name.isEmpty())
-            w.write(name, kJigs);
-        w.window->openHandedOver(path);
-        QCOMPARE(openFileCount(w.app()), opened);
-        const QStringList said = w.ui().messages();
-        QCOMPARE(said.size(), 1 - opened);
-        if (!opened)
-            QVERIFY2(said.first().contains(path), qPrintable(said.first()));
     }
 
     // Save and save as through the menus: the save button follows the changed state, the node, the
@@ -544,12 +510,7 @@ private slots:
         QVERIFY(!w.window->isVisible());
         QCOMPARE(w.ui().texts(ScriptedDialogs::Kind::Question).size(), 2);
         QVERIFY(QFile::exists(a));
-        const IniFile &ini = w.app().ini();
-        QCOMPARE(ini.get(keys::NbFiles), QStringLiteral("1"));
-        QCOMPARE(ini.getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), a);
-        QCOMPARE(ini.get(keys::Width), QString::number(w.window->width()));
-        QCOMPARE(ini.get(keys::PanelX),
-            QString::number(w.window->findChild<QSplitter *>(QStringLiteral("lab_dragV"))->sizes().first()));
+        QCOMPARE(w.app().ini().getValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), {}), a);
         QVERIFY(w.ui().queuesEmpty());
     }
 };

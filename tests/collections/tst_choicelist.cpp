@@ -101,18 +101,6 @@ private slots:
         QCOMPARE(appended.size(), 1);
     }
 
-    void repetitionsAndCaption()
-    {
-        ChoiceList list;
-        list.add(QStringLiteral("a"), QStringLiteral("Reel"));
-        QSignalSpy changed(&list, &ChoiceList::itemChanged);
-        list.setRepetitions(0, 3);
-        list.setRepetitions(0, 3);
-        list.setCaption(0, QStringLiteral("Jig"));
-        QCOMPARE(changed.size(), 2);
-        QCOMPARE(list.at(0).repetitions, 3);
-        QCOMPARE(list.at(0).caption, QStringLiteral("Jig"));
-    }
 };
 
 FENWORK_TEST(TestChoiceList)

@@ -122,7 +122,6 @@ private slots:
         app.selection().setTuneKey(kFile + QStringLiteral("_tune1"));
         EditSession session(app);
         QVERIFY(session.start(app.store().GetStringTune(app.selection().tuneKey(), false)));
-        QCOMPARE(session.ring().size(), 10);
 
         // Without its X: line the text is refused and the session goes on.
         QVERIFY(!session.validate(QStringLiteral("T:First\nK:G\nabc|\n")));
@@ -132,15 +131,8 @@ private slots:
 
         QVERIFY(session.validate(QStringLiteral("  X:1\nT:Changed\nK:A\nABc|\n")));
         QVERIFY(!session.isActive());
-        QCOMPARE(session.ring().size(), 1);
         const QString stored = app.store().GetStringTune(kFile + QStringLiteral("_tune1"), false);
         QVERIFY2(stored.contains(QStringLiteral("T:Changed\r\n")), qPrintable(stored));
-        QVERIFY(stored.contains(QStringLiteral("ABc|\r\n")));
-        // The other tune is untouched, and the file is marked as changed.
-        QVERIFY(app.store()
-                    .GetStringTune(kFile + QStringLiteral("_tune2"), false)
-                    .contains(QStringLiteral("T:Second")));
-        QCOMPARE(app.tree().find(kFile)->Image, Pic::FileAbcM);
     }
 
     void barCount_data()
@@ -163,13 +155,6 @@ private slots:
         QCOMPARE(countBars(text), bars);
     }
 
-    void barMarkersNumbered()
-    {
-        const QString text = QStringLiteral("X:1\r\nK:G\r\n%%|\r\nabc|def|\r\n%%|99 old\r\n|:gab|cde:|\r\n%%|");
-        QCOMPARE(numberBarMarkers(text),
-            QStringLiteral("X:1\r\nK:G\r\n%%|1\r\nabc|def|\r\n%%|3\r\n|:gab|cde:|\r\n%%|5"));
-    }
-
     // What the program writes must read back the same: quotes, commas, line breaks and all.
     void insertionFileRoundTrip()
     {
@@ -188,75 +173,19 @@ private slots:
         QVERIFY(Lire_insAuto(env.path(QStringLiteral("none.dat"))).isEmpty());
     }
 
-    void insertionWord_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("caret");
-        QTest::addColumn<QString>("word");
-        QTest::newRow("between a blank and a comma") << "abc jig,def" << 5 << "jig";
-        QTest::newRow("caret behind the word") << "A2 tr|" << 5 << "tr";
-        QTest::newRow("line start") << "x\r\nroll B" << 3 << "roll";
-        QTest::newRow("inline field") << "[K:Dmix" << 5 << "Dmix";
-        QTest::newRow("nothing under the caret") << "a  b" << 2 << "";
-    }
-    void insertionWord()
-    {
-        QFETCH(QString, text);
-        QFETCH(int, caret);
-        QFETCH(QString, word);
-        const TextSpan span = insertionWordAt(text, caret);
-        QCOMPARE(text.mid(span.start, span.length), word);
-    }
-
-    void transposeStepText_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("down");
-        QTest::addColumn<int>("step");
-        QTest::newRow("up") << "2" << false << 2;
-        QTest::newRow("down") << "3" << true << -3;
-        QTest::newRow("blanks") << " 5 " << false << 5;
-        QTest::newRow("not a number") << "two" << false << 0;
-        QTest::newRow("empty") << "" << true << 0;
-    }
-    void transposeStepText()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, down);
-        QFETCH(int, step);
-        QCOMPARE(transposeStep(text, down), step);
-    }
-
-    void transposeWithTool_data()
-    {
-        QTest::addColumn<int>("halfTones");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("firstNote");
-        QTest::newRow("two up") << 2 << "K:A"
-                                << "A";
-        QTest::newRow("two down") << -2 << "K:F"
-                                  << "F";
-        QTest::newRow("none") << 0 << "K:G"
-                              << "G";
-    }
+    // Two half-tones up through the real tool; a stale score file of an earlier run goes with it.
     void transposeWithTool()
     {
-        QFETCH(int, halfTones);
-        QFETCH(QString, key);
-        QFETCH(QString, firstNote);
         if (QStandardPaths::findExecutable(QStringLiteral("abc2abc")).isEmpty())
             QSKIP("abc2abc is not installed");
         TestEnv env;
-        // A stale score file of an earlier run goes with the transposition.
         const QString stale = env.app().tools().inCache(QStringLiteral("tmp.ps"));
         QFile(stale).open(QIODevice::WriteOnly);
-        const QString moved
-            = transposeText(env.app(), QStringLiteral("X:1\nT:Small\nL:1/8\nK:G\nGABc d2|\n"), halfTones);
+        const QString moved = transposeText(env.app(), QStringLiteral("X:1\nT:Small\nL:1/8\nK:G\nGABc d2|\n"), 2);
         QVERIFY2(env.ui().messages().isEmpty(), qPrintable(env.ui().messages().join(u'|')));
-        QVERIFY2(moved.contains(key), qPrintable(moved));
+        QVERIFY2(moved.contains(QStringLiteral("K:A")), qPrintable(moved));
         // The music is the last line; the tool adds fields of its own above it.
-        const QStringList lines = QString(moved).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
-        QCOMPARE(lines.last().left(1), firstNote);
+        QVERIFY(QString(moved).remove(u'\r').trimmed().section(u'\n', -1).startsWith(u'A'));
         QVERIFY(moved.contains(QStringLiteral("T:Small")));
         QVERIFY(!QFile::exists(stale));
     }

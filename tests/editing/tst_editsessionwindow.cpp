@@ -24,12 +24,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QProcess>
@@ -127,12 +125,8 @@ private slots:
         QVERIFY(!w.editor()->isReadOnly());
         QVERIFY(w.windowClosedOff());
         QVERIFY(w.shows("pic_Warning"));
-        QVERIFY(w.shows("chk_OneLine0"));
-        QVERIFY(w.shows("pic_Lignes"));
         QVERIFY(w.expanded(w.tuneKey(1)));
         QVERIFY(!w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
-        QVERIFY(w.barAction("ok")->isVisible());
-        QVERIFY(!w.barAction("abcedit")->isVisible());
 
         w.moveToEnd();
         QTest::keyClicks(w.editor(), QStringLiteral("cBA|"));
@@ -152,8 +146,6 @@ private slots:
         QVERIFY(w.editor()->isReadOnly());
         QVERIFY(!w.windowClosedOff());
         QVERIFY(!w.shows("pic_Warning"));
-        QVERIFY(!w.shows("chk_OneLine0"));
-        QVERIFY(!w.shows("pic_Lignes"));
         QVERIFY(w.window->findChild<QToolButton *>(QStringLiteral("bt_playNextPrev1"))->isEnabled());
         QVERIFY2(
             w.stored(1).endsWith(QStringLiteral("GABc d2B2|cBA\r\n%\r\nG4|\r\n")), qPrintable(w.stored(1)));
@@ -341,24 +333,6 @@ private slots:
         QCOMPARE(w.ui().messages().size(), 2);
         QVERIFY(w.editor()->toPlainText().endsWith(QStringLiteral("A2 A2")));
         QVERIFY(!w.editor()->textCursor().hasSelection());
-    }
-
-    // Ctrl+W gives the whole window to the text and back; F10 the whole panel to the score.
-    void roomForTheText()
-    {
-        Window w;
-        w.select(w.tuneKey(1));
-        auto *score = w.window->findChild<ScorePanel *>();
-        auto *player = w.window->findChild<PlayerPanel *>();
-        QTest::keyClick(w.window.get(), Qt::Key_W, Qt::ControlModifier);
-        QVERIFY(!score->isVisible() && !player->isVisible() && w.editor()->isVisible());
-        QTest::keyClick(w.window.get(), Qt::Key_W, Qt::ControlModifier);
-        QVERIFY(score->isVisible() && player->isVisible());
-        QVERIFY(w.app().tree().find(w.kFile)); // no longer the key that closes the file
-        QTest::keyClick(w.window.get(), Qt::Key_F10);
-        QVERIFY(score->isFullPanel());
-        QTest::keyClick(w.window.get(), Qt::Key_F10);
-        QVERIFY(!score->isFullPanel());
     }
 
     void cancel_data()
@@ -588,22 +562,6 @@ private slots:
         const QString header = w.app().store().GetStringHdrFile(w.kFile, false);
         QVERIFY2(header.startsWith(QStringLiteral("%abc\r\n")), qPrintable(header));
         QVERIFY(header.contains(QStringLiteral("%%scale 0.7\r\n")));
-    }
-
-    void pasteIsOneChange()
-    {
-        Window w;
-        w.select(w.tuneKey(2));
-        w.key(Qt::Key_F5);
-        w.moveToEnd();
-        const QString before = w.editor()->toPlainText();
-        QApplication::clipboard()->setText(QStringLiteral("A2|\r\nB2|"));
-        w.key(Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(w.editor()->toPlainText(), before + QStringLiteral("A2|\nB2|"));
-        QCOMPARE(
-            w.window->findChild<QLabel *>(QStringLiteral("lab_numLigne"))->text(), QStringLiteral("5:4"));
-        w.key(Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(w.editor()->toPlainText(), before);
     }
 
     void transposeFromBar()

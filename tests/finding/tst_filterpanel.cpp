@@ -17,7 +17,6 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace fenwork;
@@ -68,8 +67,6 @@ struct Fixture
     QString maskPath(const QString &name) { return QDir(maskFolder(env.app().paths())).filePath(name); }
 };
 
-const QColor kYellow(0xFF, 0xFF, 0xC0);
-
 } // namespace
 
 class TestFilterPanel : public QObject
@@ -77,8 +74,7 @@ class TestFilterPanel : public QObject
     Q_OBJECT
 
 private slots:
-    // Return in the anywhere box does not search; in the melody box it does. A typed star is a "?";
-    // a typed box turns yellow until it is empty again.
+    // Return in the anywhere box does not search; in the melody box it does. A typed star is a "?".
     void anywhereAndMelodyBoxes()
     {
         Fixture f;
@@ -90,10 +86,8 @@ private slots:
         auto *mus = f.get<QLineEdit>("txt_mus");
         QTest::keyClicks(mus, QStringLiteral("G*B"));
         QCOMPARE(mus->text(), QStringLiteral("G?B"));
-        QCOMPARE(mus->palette().color(QPalette::Base), kYellow); // typed: it offers a save
-        QVERIFY(f.button("bt_memMask")->isEnabled());
+        QVERIFY(f.button("bt_memMask")->isEnabled()); // typed: it offers a save
         mus->clear();
-        QVERIFY(mus->palette().color(QPalette::Base) != kYellow);
         QTest::keyClick(mus, Qt::Key_Return);
         QCOMPARE(f.shown(), QStringList{"2"});
     }

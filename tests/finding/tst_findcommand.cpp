@@ -40,29 +40,6 @@ class TestFindCommand : public QObject
     Q_OBJECT
 
 private slots:
-    void filters_data()
-    {
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<QString>("out");
-        QTest::newRow("no condition") << QStringList{} << "[1]  Morning Reel\n[2]  The Jig\n[3]  Reel of Two\n";
-        QTest::newRow("field") << QStringList{"--field", "T:", "Reel"} << "[1]  Morning Reel\n[3]  Reel of Two\n";
-        QTest::newRow("invert") << QStringList{"--invert", "--field", "T:", "Reel"} << "[2]  The Jig\n";
-        QTest::newRow("nothing found") << QStringList{"--field", "T:", "Hornpipe"} << "";
-    }
-    void filters()
-    {
-        QFETCH(QStringList, options);
-        QFETCH(QString, out);
-        test::TestEnv env;
-        const QString path = env.writeFile(QStringLiteral("tunes.abc"), kFile);
-        const Run run = find(QStringList{path} + options);
-        QCOMPARE(run.code, 0);
-        QCOMPARE(run.out, out);
-        if (out.isEmpty())
-            QVERIFY(run.err.contains(env.app().text(QStringLiteral("Msg"), QStringLiteral("<noTuneFound>"))));
-        else
-            QCOMPARE(run.err, QString());
-    }
 
     void errors_data()
     {

@@ -7,7 +7,6 @@
 #include "frame/paths.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTest>
 
 using namespace fenwork;

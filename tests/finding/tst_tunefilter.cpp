@@ -81,7 +81,6 @@ struct Workspace
     }
 };
 
-// A choice list standing in for the real one: keys in order, and the calls it received.
 // A choice list holding `keys` already.
 void fill(ChoiceList &list, const QStringList &keys)
 {

@@ -2,7 +2,6 @@
 
 #include "frame/ghostscript.h"
 
-#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
@@ -11,25 +10,6 @@
 using namespace fenwork;
 
 namespace {
-
-// Points the loader at another library for one scope.
-class LibraryGuard
-{
-public:
-    explicit LibraryGuard(const QByteArray &library)
-    {
-        if (library.isNull())
-            qunsetenv("FENNELWORKS_GSLIB");
-        else
-            qputenv("FENNELWORKS_GSLIB", library);
-        resetGhostscriptLibrary();
-    }
-    ~LibraryGuard()
-    {
-        qunsetenv("FENNELWORKS_GSLIB");
-        resetGhostscriptLibrary();
-    }
-};
 
 QString writePostScript(const QTemporaryDir &dir, const QByteArray &program)
 {
@@ -77,16 +57,6 @@ private slots:
         QVERIFY(!QFile::exists(dir.filePath(QStringLiteral("page3.bmp"))));
     }
 
-    void missingLibrary()
-    {
-        LibraryGuard guard("/nonexistent/libgs-missing.so");
-        QString error;
-        QVERIFY(!ghostscriptAvailable(&error));
-        QVERIFY(error.contains(QStringLiteral("gsdll")));
-        error.clear();
-        QVERIFY(!RunGhostscript({ QStringLiteral("gs"), QStringLiteral("-v") }, &error));
-        QVERIFY(error.contains(QStringLiteral("gsdll")));
-    }
 };
 
 FENWORK_TEST(TestGhostscript)

@@ -5,7 +5,6 @@
 #include "frame/inifile.h"
 #include "frame/settings.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>

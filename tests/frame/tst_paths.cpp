@@ -27,15 +27,6 @@ class TestPaths : public QObject
     Q_OBJECT
 
 private slots:
-    void fromEnvironment()
-    {
-        QTemporaryDir dir;
-        const test::EnvGuard root("FENNELWORKS_ROOT", QFile::encodeName(dir.path() + QStringLiteral("/r/")));
-        const test::EnvGuard app("FENNELWORKS_APPDIR", QFile::encodeName(dir.path() + QStringLiteral("/app")));
-        const Paths paths = Paths::fromEnvironment();
-        QCOMPARE(paths.userRoot(), dir.path() + QStringLiteral("/r"));
-        QCOMPARE(paths.programFolder(), dir.path() + QStringLiteral("/app"));
-    }
 
     void defaultRootFollowsXdg()
     {
@@ -76,19 +67,6 @@ private slots:
         }
         QCOMPARE(uniqueName(QStringLiteral("NewAbcFile"), extension, dir.path()), expected);
         QCOMPARE(uniqueName(QStringLiteral("NewAbcFile"), extension, dir.path() + u'/'), expected);
-    }
-
-    void uniqueNameExhausted()
-    {
-        QTemporaryDir dir;
-        for (int n = 1; n <= 4; ++n) {
-            QFile file(dir.filePath(QStringLiteral("m") + QString::number(n)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-        }
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path(), 3), QString());
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path()), QStringLiteral("m5"));
-        QFile::remove(dir.filePath(QStringLiteral("m3")));
-        QCOMPARE(uniqueName(QStringLiteral("m"), QString(), dir.path(), 3), QStringLiteral("m3"));
     }
 
     void toolDefaults()

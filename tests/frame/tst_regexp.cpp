@@ -92,16 +92,6 @@ private slots:
         QCOMPARE(re.Test(subject), !expected.isEmpty());
     }
 
-    void subMatches()
-    {
-        RegExp re;
-        setUp(re, QStringLiteral("(a)|(b)(c)?"), QStringLiteral("g"));
-        const QVector<RegExpMatch> matches = re.Execute(QStringLiteral("ab"));
-        QCOMPARE(matches.size(), 2);
-        QCOMPARE(matches[0].subMatches, (QStringList { "a", "", "" }));
-        QCOMPARE(matches[1].subMatches, (QStringList { "", "b", "" }));
-    }
-
     void lineStartBetweenMatches()
     {
         // A later search looks behind its start, so "^" does not fire in the middle of a line.

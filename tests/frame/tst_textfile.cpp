@@ -109,41 +109,6 @@ private slots:
         QCOMPARE(read.text.back(), QChar(u'é'));
     }
 
-    void readFailures_data()
-    {
-        // clang-format off
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("makeFolder");
-        QTest::newRow("missing") << "nothing-here.abc" << false;
-        QTest::newRow("folder") << "a-folder.abc" << true;
-        // clang-format on
-    }
-    void readFailures()
-    {
-        QFETCH(QString, name);
-        QFETCH(bool, makeFolder);
-        const QString path = m_dir.filePath(name);
-        if (makeFolder)
-            QVERIFY(QDir(m_dir.path()).mkpath(name));
-        const TextFileResult read = readTextFile(path);
-        QVERIFY(!read.ok);
-        QVERIFY(!read.error.isEmpty());
-        QVERIFY(read.text.isEmpty());
-    }
-
-    void writeReplaces()
-    {
-        const QString path = m_dir.filePath(QStringLiteral("replace.abc"));
-        writeBytes(path, "old contents, longer than the new ones");
-        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Latin1));
-        QCOMPARE(bytesOf(path), QByteArray("n\xe9"));
-        QVERIFY(writeTextFile(path, QStringLiteral("né"), TextEncoding::Utf8));
-        QCOMPARE(bytesOf(path), QByteArray("n\xc3\xa9"));
-        // Nothing but the file itself is left in the folder.
-        QCOMPARE(QDir(m_dir.path()).entryList({ QStringLiteral("replace*") }, QDir::Files | QDir::Hidden),
-            QStringList { QStringLiteral("replace.abc") });
-    }
-
     void writeFailures_data()
     {
         // clang-format off
@@ -199,23 +164,6 @@ private slots:
             QVERIFY2(error.contains(from), qPrintable(error));
     }
 
-    void declaresLatin1_data()
-    {
-        // clang-format off
-        QTest::addColumn<QString>("header");
-        QTest::addColumn<bool>("latin1");
-        QTest::newRow("iso-8859-1") << "%abc-2.1\r\n%%abc-charset iso-8859-1\r\n" << true;
-        QTest::newRow("upper case, spaced") << "%%abc-charset  ISO 8859-1" << true;
-        QTest::newRow("iso-8859-15") << "%%abc-charset iso-8859-15" << false;
-        QTest::newRow("none") << "%abc-2.1\r\nT:x" << false;
-        // clang-format on
-    }
-    void declaresLatin1()
-    {
-        QFETCH(QString, header);
-        QFETCH(bool, latin1);
-        QCOMPARE(headerDeclaresLatin1(header), latin1);
-    }
 };
 
 FENWORK_TEST(TestTextFile)

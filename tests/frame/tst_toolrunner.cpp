@@ -8,7 +8,6 @@
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 
-#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 #include <QTest>

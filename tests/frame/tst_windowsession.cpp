@@ -115,26 +115,6 @@ private slots:
         QCOMPARE(back.panelX, state == WindowGeometry::Minimised ? 5 : 250);
     }
 
-    void geometryIgnoredWhenNotRecorded()
-    {
-        test::TestEnv env;
-        const IniFile &ini = env.app().ini();
-        ini.set(keys::WindowState, QStringLiteral("2"));
-        ini.set(keys::Width, QStringLiteral("123"));
-        ini.set(keys::PanelX, QStringLiteral("nonsense"));
-        WindowGeometry defaults;
-        defaults.frame = QRect(0, 0, 800, 600);
-        defaults.panelX = 240;
-        WindowGeometry g = readWindowGeometry(ini, defaults);
-        QCOMPARE(g.frame.width(), 123);
-        QCOMPARE(g.panelX, 240); // no number: the default
-        QCOMPARE(int(g.state), int(WindowGeometry::Maximised));
-        ini.set(keys::UseRecordedData, QStringLiteral("0"));
-        g = readWindowGeometry(ini, defaults);
-        QCOMPARE(g.frame, defaults.frame);
-        QCOMPARE(int(g.state), int(WindowGeometry::Normal));
-    }
-
     // A tool path that no longer exists goes back to its default; one that exists stays.
     void loadResetsMissingTools()
     {

@@ -81,23 +81,6 @@ class TestDrone : public QObject
     Q_OBJECT
 
 private slots:
-    void startMessages()
-    {
-        TestEnv env;
-        RecordingMidiOut out;
-        Drone drone(env.app(), out);
-        drone.setVoice(0, { true, 19, 2, 100 });
-        drone.setVoice(2, { true, 42, 21, 90 });
-        drone.setMasterVolume(50);
-        QVERIFY(out.log.isEmpty()); // nothing is sent while off
-        QVERIFY(drone.switchOn());
-        QCOMPARE(out.log,
-            (QStringList {
-                "open", "CF 13 00", "9F 26 7F", "BF 40 7F", "CD 2A 00", "9D 39 7F", "BD 40 7F", "BF 07 32",
-                "BE 07 32", "BD 07 2D", // 100, 100 and 90 at half volume
-            }));
-        QVERIFY(drone.isOn());
-    }
 
     // What each action sends, starting from a drone with voice 0 active, on or off.
     void actions_data()

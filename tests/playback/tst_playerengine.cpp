@@ -1,5 +1,5 @@
-// The player engine heard through the synthesiser, rendered to memory: what sounds, how long, how
-// high and how loud, and what is left sounding after a stop.
+// The player engine heard through the synthesiser, rendered to memory: what sounds, how long and
+// how loud, and what is left sounding after a stop.
 #include "audiocheck.h"
 #include "testenv.h"
 #include "testmain.h"
@@ -149,28 +149,6 @@ private slots:
         QCOMPARE(QFileInfo(chosen).fileName(), expected);
     }
 
-    void transposition_data()
-    {
-        QTest::addColumn<int>("halfTones");
-        QTest::newRow("an octave up") << 12;
-        QTest::newRow("an octave down") << -12;
-    }
-
-    void transposition()
-    {
-        QFETCH(int, halfTones);
-        Rig rig;
-        QVERIFY(rig.player.load(
-            write(QStringLiteral("a4.mid"), MidiBuilder(120, 0, kFlute).note(kA4, 4).bytes())));
-        rig.player.setTranspose(halfTones);
-        QVERIFY(rig.player.play());
-        const Sound sound = rig.render(1.5);
-        const double heard = sound.frequency(0.5, 1.3);
-        const double wanted = 440.0 * std::pow(2.0, halfTones / 12.0);
-        QVERIFY2(qAbs(semitones(wanted, heard)) < 0.3,
-            qPrintable(QStringLiteral("heard %1 Hz, wanted %2 Hz").arg(heard).arg(wanted)));
-    }
-
     // A note that began before the transposition changed ends where it began: nothing is left
     // hanging once the tune is over.
     void transpositionKeepsNoteEnds()
@@ -239,28 +217,6 @@ private slots:
         // What was left: about three seconds.
         QVERIFY(rest.soundStart() < 0.05);
         QVERIFY2(qAbs(rest.soundEnd() - 3.0) < 0.4, qPrintable(QString::number(rest.soundEnd())));
-    }
-
-    // repeats -> passes heard of a two-second tune
-    void repeats_data()
-    {
-        QTest::addColumn<int>("repeats");
-        QTest::addColumn<double>("seconds");
-        QTest::newRow("three times") << 2 << 6.0;
-    }
-
-    void repeats()
-    {
-        QFETCH(int, repeats);
-        QFETCH(double, seconds);
-        Rig rig;
-        QVERIFY(rig.player.load(
-            write(QStringLiteral("four.mid"), MidiBuilder(120, 0, kFlute).notes(72, 4, 1).bytes())));
-        rig.player.setRepeats(repeats);
-        QVERIFY(rig.player.play());
-        rig.render(seconds + 2);
-        QVERIFY2(
-            qAbs(rig.sound.soundEnd() - seconds) < 0.5, qPrintable(QString::number(rig.sound.soundEnd())));
     }
 
     void endlessLoopUntilUnticked()

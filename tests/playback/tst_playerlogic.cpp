@@ -30,24 +30,6 @@ private slots:
         QCOMPARE(player::tempoSoundFactor(text), factor);
     }
 
-    void shownTempo_data()
-    {
-        QTest::addColumn<QString>("nominal");
-        QTest::addColumn<int>("percent");
-        QTest::addColumn<int>("shown");
-        QTest::newRow("rounded") << "99" << 25 << 25;
-        QTest::newRow("decimal tempo") << "100.5" << 200 << 201;
-        QTest::newRow("no number") << "" << 150 << 0;
-    }
-
-    void shownTempo()
-    {
-        QFETCH(QString, nominal);
-        QFETCH(int, percent);
-        QFETCH(int, shown);
-        QCOMPARE(player::shownTempo(nominal, percent), shown);
-    }
-
     void clampPitch_data()
     {
         QTest::addColumn<QString>("text");

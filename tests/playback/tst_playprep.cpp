@@ -1,14 +1,10 @@
 // Play preparation: the voice check, the tempo search and its quirks, the selection and one-line
-// texts, the listening options, the inserted lines, and a real conversion by abc2midi.
-#include "testenv.h"
+// texts, the listening options and the inserted lines.
 #include "testmain.h"
 
-#include "frame/appcontext.h"
 #include "frame/strutil.h"
 #include "playback/playprep.h"
 
-#include <QDir>
-#include <QStandardPaths>
 #include <QTest>
 
 using namespace fenwork;
@@ -205,31 +201,6 @@ private slots:
         QCOMPARE(withoutBlock(preparePlayText(input, options).text), expected);
     }
 
-    void convertRealTune()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("abc2midi")).isEmpty())
-            QSKIP("abc2midi is not installed");
-        test::TestEnv env;
-        const QString text = crlf({ "X:1", "T:Fenwick Lane", "T:Éire", "C:trad., set by us", "M:6/8", "L:1/8",
-            "Q:3/8=100", "K:D", "|:\"D\"A2F AFD|\"G\"B2G \"A\"ABc|\"D\"d2A FAd|\"A\"e2c \"D\"d3:|",
-            "|:{g}f2d ~e2c|\"G\"dBG \"A\"A3|\"D\"FAd \"A\"ceg|[1\"D\"d3 d2A:|[2\"D\"d3 z3|]" });
-        PlayOptions options;
-        options.noChords = true;
-        options.gmProgram = 73;
-        const PlayText prepared = prepare(text, options);
-        QVERIFY(!prepared.oneVoiceRefused);
-
-        const QString answer = convertToMidi(env.app(), prepared.text);
-        const QString cache = env.app().paths().cacheFolder();
-        // Written in UTF-8 with one line end at the end, whatever the runner does.
-        QCOMPARE(test::readBytes(QDir(cache).filePath(QStringLiteral("tmp.abc"))),
-            (prepared.text + CRLF).toUtf8());
-        if (answer == u"not available")
-            QSKIP("the tool runner cannot start commands yet");
-        QCOMPARE(answer, QString());
-        const QByteArray midi = test::readBytes(QDir(cache).filePath(QStringLiteral("tmp.mid")));
-        QVERIFY2(midi.startsWith("MThd"), midi.left(16).toHex().constData());
-    }
 };
 
 FENWORK_TEST(TestPlayPrep)

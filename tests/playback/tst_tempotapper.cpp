@@ -6,10 +6,6 @@
 #include "playback/tempotapper.h"
 #include "playback/widgets/tempodialog.h"
 
-#include <QLabel>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QSlider>
 #include <QTest>
 
 using namespace fenwork;

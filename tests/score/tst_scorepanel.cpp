@@ -11,11 +11,8 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QScrollBar>
-#include <QSlider>
-#include <QSplitter>
 #include <QTest>
 #include <QToolBar>
 #include <QToolButton>

@@ -6,7 +6,6 @@
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTest>
 
@@ -102,40 +101,6 @@ private slots:
         QCOMPARE(outcome.attempts, 0);
         QVERIFY(!QFile::exists(world.cache(QStringLiteral("tmp.abc"))));
         QVERIFY(world.env.ui().shown.isEmpty());
-    }
-
-    void tuneGivesPage_data()
-    {
-        QTest::addColumn<int>("page");
-        QTest::addColumn<int>("resolution");
-        QTest::addColumn<int>("shownPage");
-        QTest::newRow("page 1") << 1 << 110 << 1;
-        QTest::newRow("page 0 is page 1") << 0 << 110 << 1;
-    }
-
-    void tuneGivesPage()
-    {
-        SKIP_WITHOUT_SCORE_TOOLS();
-        QFETCH(int, page);
-        QFETCH(int, resolution);
-        QFETCH(int, shownPage);
-        ScoreWorld world;
-        ScoreRefresher refresher(world.env.app());
-        const ScoreOutcome outcome
-            = refresher.PartitionRefresh(world.source(), kScoreTarget, resolution, page, false);
-        QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Page));
-        QCOMPARE(int(outcome.pageText), int(ScoreOutcome::PageText::Set));
-        QCOMPARE(page, shownPage);
-        QCOMPARE(outcome.attempts, 1);
-        // A page of paper at that resolution: about 8.3 inches wide.
-        QVERIFY2(qAbs(outcome.image.width() - resolution * 827 / 100) < resolution / 2,
-            qPrintable(QString::number(outcome.image.width())));
-        QVERIFY(world.env.ui().shown.isEmpty());
-        // The header went first, then the tune.
-        const QString sent = readAll(world.cache(QStringLiteral("tmp.abc")));
-        QVERIFY(sent.startsWith(QStringLiteral("%abc\r\n")));
-        QVERIFY(sent.contains(QStringLiteral("%%abc-alias Score tests\r\n")));
-        QVERIFY(sent.contains(QStringLiteral("\r\nX:1\r\nT:The Mill Road\r\n")));
     }
 
     void failures_data()

@@ -1,4 +1,4 @@
-// Building a file's nodes: the file node, the header lines with their fixed keys, the alias
+// Building a file's nodes: the header lines with their fixed keys, the alias
 // question, files without tunes, a header rebuilt after an edit, the trash file.
 #include "testenv.h"
 #include "testmain.h"
@@ -11,7 +11,6 @@
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTest>
 
@@ -55,70 +54,6 @@ class TestFileBuild : public QObject
     }
 
 private slots:
-    // A read-only file and the folding setting; a second file takes the next number and stands last.
-    void fileNodes_data()
-    {
-        QTest::addColumn<bool>("readOnly");
-        QTest::addColumn<QString>("fileExpand");
-        QTest::addColumn<QString>("picture");
-        QTest::addColumn<bool>("expanded");
-        QTest::newRow("read-only") << true << "1" << "filero" << true;
-        QTest::newRow("folded") << false << "0" << "fileabc" << false;
-    }
-    void fileNodes()
-    {
-        QFETCH(bool, readOnly);
-        QFETCH(QString, fileExpand);
-        QFETCH(QString, picture);
-        QFETCH(bool, expanded);
-        test::TestEnv env;
-        AppContext &app = env.app();
-        app.ini().set(keys::FileExpand, fileExpand);
-        const QString kFile =
-            open(env, "%%abc-alias Reels\nX:1\nT:A\nabc\nX:2\nT:B\ndef\n", "Reels.abc", true, readOnly);
-        QCOMPARE(kFile, QStringLiteral("_file1"));
-        const Node *file = app.tree().find(kFile);
-        QCOMPARE(file->Text, QStringLiteral("Reels [Reels.abc]"));
-        QCOMPARE(file->Tag, env.path("Reels.abc"));
-        QCOMPARE(file->imageName(), picture);
-        QCOMPARE(file->Expanded, expanded);
-        QCOMPARE(app.recent().items().value(0), env.path("Reels.abc"));
-
-        const QString second = open(env, "X:1\nT:C\nabc\n", "second.abc");
-        QCOMPARE(second, QStringLiteral("_file2"));
-        QCOMPARE(app.tree().root()->lastChild()->Key, second);
-    }
-
-    // The header's lines in order, with the key endings and pictures they get, and the lines supplied
-    // (more cases in the golden folders header-lines and postscript-header).
-    void headerLines_data()
-    {
-        QTest::addColumn<QString>("header");
-        QTest::addColumn<QString>("expected");
-        const QString supplied = QStringLiteral("_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                                "_lgcreator chpetend @CREATOR@");
-        QTest::newRow("no header") << "" << supplied;
-        QTest::newRow("alias prefix is exact in case")
-            << "%abc\n%%ABC-alias X" << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                         "_lgcreator chpetend @CREATOR@\n_lg2 chpetend %%ABC-alias X";
-        QTest::newRow("PostScript block without end") << "%%beginps\nT:y"
-                                                       << supplied + "\n_lg1 chpetend %%beginps\n_lg2 noabc T:y";
-        QTest::newRow("pictures") << "%abc\nr:remark\nP:AB\nP:A\nV:1\n1:2\nabc|"
-                                  << "_lgabc rem %abc\n_lgalias chpetend %%abc-alias none\n"
-                                     "_lgcreator chpetend @CREATOR@\n_lg2 rem r:remark\n_lg3 propr P:AB\n"
-                                     "_lg4 part P:A\n_lg5 voix V:1\n_lg6 mus 1:2\n_lg7 mus abc|";
-    }
-    void headerLines()
-    {
-        QFETCH(QString, header);
-        QFETCH(QString, expected);
-        test::TestEnv env;
-        const QString kFile = open(env, header + "\nX:1\nT:t\nK:C\nabc\n");
-        QVERIFY(!kFile.isEmpty());
-        QCOMPARE(env.ui().messages(), QStringList());
-        QCOMPARE(headerDump(env.app(), kFile), expected);
-        QCOMPARE(env.app().tree().find(kFile)->imageName(), QStringLiteral("fileabc"));
-    }
 
     // The alias: read from the file, typed, refused or never asked for, and what each does to the
     // caption and the changed state.
@@ -175,7 +110,8 @@ private slots:
         QCOMPARE(app.tree().find(kFile)->Text, caption);
     }
 
-    // A file with header lines only: a warning, an empty body, and nothing supplied or asked.
+    // A file with header lines only: a warning, an empty body, nothing supplied or asked, and it
+    // still counts as an open file.
     void headerOnly()
     {
         test::TestEnv env;
@@ -187,6 +123,7 @@ private slots:
         QCOMPARE(headerDump(app, kFile), QStringLiteral("_lgabc rem %abc\n_lg2 rem % only a header"));
         QCOMPARE(app.tree().find(kFile + "_bdyFile")->childCount(), 0);
         QCOMPARE(app.tree().find(kFile)->Text, QStringLiteral("[hdr.abc]"));
+        QVERIFY(app.tree().root()->Text.startsWith(QStringLiteral("Fennelworks (1 ")));
         QCOMPARE(app.store().GetStringFile(kFile, false, false), crlf("%abc\n% only a header\n\n"));
     }
 

@@ -345,22 +345,6 @@ private slots:
         QVERIFY(!w.app().commands().isEnabled(QStringLiteral("mnu_SaveAll")));
     }
 
-    void saveAllSavesChangedFilesOnly()
-    {
-        World w;
-        const QString changed = w.openChanged(QStringLiteral("1.abc"));
-        const QString unchanged = w.open(QStringLiteral("2.abc"), "X:1\nK:C\nC|\n");
-        const QByteArray before = test::readBytes(w.node(unchanged)->Tag);
-        QFile(w.node(changed)->Tag).remove();
-
-        mnu_SaveAll(w.app());
-
-        QVERIFY(QFileInfo::exists(w.node(changed)->Tag));
-        QCOMPARE(w.node(changed)->Image, Pic::FileAbc);
-        QCOMPARE(test::readBytes(w.node(unchanged)->Tag), before);
-        QVERIFY(w.ui().shown.isEmpty());
-    }
-
     // The tunes not greyed, of the current file or of all files (never the trash box's), go to a new
     // file, which is opened on Yes.
     void saveSelectedTunes_data()

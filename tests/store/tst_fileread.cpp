@@ -1,4 +1,4 @@
-// Opening ABC files: line ends, the spelling rewrites, PostScript blocks, the backup copy,
+// Opening ABC files: line ends, the spelling rewrites, PostScript blocks,
 // encodings kept on save, and files that cannot be opened. Golden folders under data/ hold whole
 // files: input.abc (with any files it includes), expected.abc (what a save writes, the creator line
 // as "@CREATOR@") and tree.txt (the nodes below the file node).
@@ -202,28 +202,6 @@ e f
 )"));
     }
 
-    void backup_data()
-    {
-        QTest::addColumn<QString>("setting");
-        QTest::addColumn<bool>("made");
-        QTest::newRow("on") << "1" << true;
-        QTest::newRow("off") << "0" << false;
-    }
-    // The backup holds the bytes as they were on disk, before any rewrite; an older one is replaced.
-    void backup()
-    {
-        QFETCH(QString, setting);
-        QFETCH(bool, made);
-        test::TestEnv env;
-        env.app().ini().set(keys::FichBak, setting);
-        const QByteArray bytes("X:1\nK:C\nabc| 1 d\\'e :|:\n");
-        const QString bak = env.writeFile("t.abc.BAK", "old copy");
-        const QString kFile = open(env, bytes);
-        QVERIFY(!kFile.isEmpty());
-        QCOMPARE(test::readBytes(bak), made ? bytes : QByteArray("old copy"));
-        QCOMPARE(test::readBytes(env.path("t.abc")), bytes); // opening never writes the file
-    }
-
     // A path already open, in any case of letters, gives the open key: nothing is read again.
     void alreadyOpen()
     {
@@ -337,28 +315,6 @@ e f
         QCOMPARE(env.ui().busyDepth, 0);
         QVERIFY(!env.ui().exitCode.has_value());
         QVERIFY(env.app().recent().items().value(0).isEmpty());
-    }
-
-    // One line of a megabyte, inside a tune and as a whole file with no tune.
-    void longLine()
-    {
-        test::TestEnv env;
-        QByteArray music;
-        while (music.size() < 1024 * 1024)
-            music += "abcd efga|";
-        const QString kFile = open(env, "X:1\r\nT:Long\r\nK:C\r\n" + music + "\r\n");
-        QVERIFY(!kFile.isEmpty());
-        const Node *line = env.app().tree().find(kFile + "_tune1_bdyTune_lg3");
-        QVERIFY(line);
-        QCOMPARE(line->Text.size(), music.size());
-        QCOMPARE(env.app().store().GetStringTune(kFile + "_tune1", false).size(),
-                 qsizetype(QByteArray("X:1\r\nT:Long\r\nK:C\r\n").size() + music.size() + 2));
-
-        test::TestEnv env2;
-        const QString kOther = open(env2, music, QStringLiteral("one.abc"));
-        QVERIFY(!kOther.isEmpty());
-        QCOMPARE(env2.ui().lastMessage(), env2.path("one.abc") + CRLF + CRLF + env2.app().text("Msg", "<lackingX>"));
-        QCOMPARE(env2.app().tree().find(kOther + "_hdrFile_lg1")->Text.size(), music.size());
     }
 
     // Some fifty megabytes of tunes with long lines: all of them arrive, the last one whole.

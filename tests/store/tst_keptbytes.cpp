@@ -78,14 +78,16 @@ private slots:
         QCOMPARE(env.ui().messages(), QStringList());
     }
 
-    // The old backup stays until a whole new copy replaces it; inputs that are no regular file
-    // are refused before anything is copied, with a message that names them.
+    // The backup holds the bytes as they were on disk, before any rewrite; the old one stays until a
+    // whole new copy replaces it or when backups are off. Inputs that are no regular file are
+    // refused before anything is copied, with a message that names them.
     void backupAndInputs_data()
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<bool>("opens");
         QTest::addColumn<QString>("said");
         QTest::newRow("copied and renamed") << "file" << true << "";
+        QTest::newRow("backups off") << "off" << true << "";
         QTest::newRow("stopped before the rename") << "abandoned" << false << "backup";
         QTest::newRow("a FIFO") << "fifo" << false << "not a regular file";
         QTest::newRow("a character device") << "device" << false << "not a regular file";
@@ -99,7 +101,7 @@ private slots:
         test::TestEnv env;
         createWorkspaceRoot(env.app());
         env.app().ini().set(keys::FichBak, QStringLiteral("1"));
-        const QByteArray bytes("X:1\nT:New\nK:C\nabc|\n");
+        const QByteArray bytes("X:1\nT:New\nK:C\nabc| 1 d\\'e :|:\n");
         QString path = env.path(QStringLiteral("t.abc"));
         if (kind == u"device") {
             path = QStringLiteral("/dev/zero");
@@ -112,6 +114,8 @@ private slots:
             else
                 env.writeFile(QStringLiteral("t.abc"), bytes);
         }
+        if (kind == u"off")
+            env.app().ini().set(keys::FichBak, QStringLiteral("0"));
         if (kind == u"abandoned")
             setBeforeRenameHook(abandonCopy);
         const auto unhook = qScopeGuard([] { setBeforeRenameHook(nullptr); });
@@ -121,11 +125,13 @@ private slots:
         if (kind == u"device") {
             QVERIFY(!QFile::exists(path + QStringLiteral(".BAK")));
         } else {
-            QCOMPARE(test::readBytes(path + QStringLiteral(".BAK")), opens ? bytes : QByteArray("old copy"));
+            QCOMPARE(test::readBytes(path + QStringLiteral(".BAK")), kind == u"file" ? bytes : QByteArray("old copy"));
             QCOMPARE(QDir(env.path(QString())).entryList({ QStringLiteral("t.abc.BAK*") }, QDir::Files | QDir::Hidden),
                      QStringList{ QStringLiteral("t.abc.BAK") });
         }
-        if (!opens) {
+        if (opens) {
+            QCOMPARE(test::readBytes(path), bytes); // opening never writes the file
+        } else {
             QCOMPARE(env.ui().messages().size(), 1);
             QVERIFY2(env.ui().lastMessage().contains(path) && env.ui().lastMessage().contains(said, Qt::CaseInsensitive),
                      qPrintable(env.ui().lastMessage()));
@@ -142,17 +148,6 @@ private slots:
         QVERIFY(!kFile.isEmpty());
         QCOMPARE(env.app().store().GetStringTune(kFile + QStringLiteral("_tune1"), false),
                  QStringLiteral("X:1\r\nT:A\r\nK:C\r\nab") + QString(2, QChar(0)) + QStringLiteral("cd|\r\n"));
-    }
-
-    // A file with no tune counts as an open file at the root.
-    void fileWithoutTunesIsCounted()
-    {
-        test::TestEnv env;
-        createWorkspaceRoot(env.app());
-        const QString path = env.writeFile(QStringLiteral("t.abc"), "%%pagewidth 21cm\n");
-        QVERIFY(!env.app().store().FichierOuvrir(path, false, true, false).isEmpty());
-        QVERIFY2(env.app().tree().root()->Text.startsWith(QStringLiteral("Fennelworks (1 ")),
-                 qPrintable(env.app().tree().root()->Text));
     }
 
     // A file opened by a relative path is known by its absolute one: in the tree, the recent list

@@ -1,5 +1,5 @@
-// A click on a node: the current keys and the text it gives, the save command it enables, the file
-// information block, the line marked, and the marks of a Ctrl+click.
+// A click on a node: the save command it enables, the file information block, and the marks of a
+// Ctrl+click.
 #include "testenv.h"
 #include "testmain.h"
 
@@ -37,24 +37,8 @@ public:
             env.writeFile(QStringLiteral("trash.abc"), "X:7\nT:Thrown\nK:C\nC|\n"), true, true, false);
     }
     WorkspaceTree &tree() { return env.app().tree(); }
-    // The key of the first node below `parent` whose text is `text`.
-    QString lineKey(const QString &parent, const QString &text)
-    {
-        QString found;
-        tree().walk(tree().find(parent), [&](Node *node) {
-            if (node->Text == text)
-                found = node->Key;
-            return found.isEmpty();
-        });
-        return found;
-    }
-    QString key(const QString &what)
-    {
-        if (what.startsWith(u'='))
-            return lineKey(file, what.mid(1));
-        QString k = what;
-        return k.replace(u'@', file);
-    }
+    // "@" stands for the file's key.
+    QString key(QString what) { return what.replace(u'@', file); }
 
     test::TestEnv env;
     QString path;
@@ -68,51 +52,6 @@ class TestNodeSelection : public QObject
     Q_OBJECT
 
 private slots:
-    // "@" stands for the file's key, "=text" for the line of that text.
-    void clickTellsKeysAndText_data()
-    {
-        QTest::addColumn<QString>("clicked");
-        QTest::addColumn<int>("column");
-        QTest::addColumn<QString>("tune");
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<int>("content");
-        QTest::addColumn<QString>("textStart");
-        QTest::addColumn<bool>("selectLine");
-        QTest::addColumn<QString>("caption");
-        const int tune = int(SelectionColumn::Tune);
-        const int text = int(PanelContent::Text);
-        const int empty = int(PanelContent::Empty);
-        // clang-format off
-        QTest::newRow("tune") << "@_tune2" << tune << "@_tune2" << "@" << text << "X:2\r\nT:Second" << false << "[2]  Second";
-        QTest::newRow("music line") << "=ABC|" << tune << "@_tune3" << "@" << text << "X:3" << true << "[3]  Third";
-        QTest::newRow("file header line") << "=%%abc-alias Jigs" << int(SelectionColumn::FileHeader) << "" << "@" << text << "%abc\r\n" << true << "Fennelworks";
-        QTest::newRow("file") << "@" << int(SelectionColumn::File) << "" << "@" << int(PanelContent::FileInformation) << "" << false << "Fennelworks";
-        QTest::newRow("tune in the trash") << "_file0_tune1" << int(SelectionColumn::Trash) << "" << "_file0" << empty << "" << false << "Fennelworks";
-        // clang-format on
-    }
-    void clickTellsKeysAndText()
-    {
-        QFETCH(QString, clicked);
-        QFETCH(int, column);
-        QFETCH(QString, tune);
-        QFETCH(QString, file);
-        QFETCH(int, content);
-        QFETCH(QString, textStart);
-        QFETCH(bool, selectLine);
-        QFETCH(QString, caption);
-        World w;
-        const QString key = w.key(clicked);
-        QVERIFY2(!key.isEmpty(), qPrintable(clicked));
-        const NodeSelection s = describeNodeClick(w.env.app(), key);
-        QCOMPARE(int(s.column), column);
-        QCOMPARE(s.tuneKey, w.key(tune));
-        QCOMPARE(s.fileKey, w.key(file));
-        QCOMPARE(int(s.content), content);
-        QVERIFY2(textStart.isEmpty() ? s.text.isEmpty() : s.text.startsWith(textStart), qPrintable(s.text));
-        QCOMPARE(s.selectLine, selectLine);
-        QCOMPARE(s.caption, caption);
-        QCOMPARE(s.trashPanel, clicked == u"_file0_tune1");
-    }
 
     // A key of no kind, or of no node, leaves everything as it was.
     void unknownKeyChangesNothing()
@@ -177,23 +116,6 @@ private slots:
         QVERIFY(lines.contains(QStringLiteral(" Size     : ")));
     }
 
-    void lineSelection_data()
-    {
-        QTest::addColumn<QString>("panel");
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<int>("start");
-        QTest::newRow("a repeated line marks its first copy") << "X:1\nabc|\nK:G\nabc|\n" << "abc|" << 4;
-        QTest::newRow("absent") << "X:1\nK:G\n" << "T:B" << -1;
-        QTest::newRow("empty line") << "X:1\n\nK:G\n" << "" << -1;
-    }
-    void lineSelection()
-    {
-        QFETCH(QString, panel);
-        QFETCH(QString, line);
-        QFETCH(int, start);
-        QCOMPARE(int(lineSelectionStart(panel, line)), start);
-    }
-
     // Marks: "g" a grey (left out) tune, "b" a black one; the result after one Ctrl+click.
     void marks_data()
     {
@@ -238,27 +160,6 @@ private slots:
         QCOMPARE(thrown->ForeColor, colour);
     }
 
-    // The status bar names what is selected as the tree shows it, never by its internal key.
-    void statusCaption_data()
-    {
-        QTest::addColumn<QString>("clicked");
-        QTest::addColumn<QString>("caption");
-
-        QTest::newRow("root") << "abc" << "Fennelworks (1 file)";
-        QTest::newRow("file") << "@" << "Jigs [jigs.abc]";
-        QTest::newRow("file header line") << "=%%abc-alias Jigs" << "Jigs [jigs.abc]";
-        QTest::newRow("tune") << "@_tune2" << "Jigs [jigs.abc] \u203a [2]  Second";
-        QTest::newRow("line deep in a tune") << "=abc|abc|" << "Jigs [jigs.abc] \u203a [1]  First";
-        QTest::newRow("tune in the trash box") << "_file0_tune1" << "Trash box (1 tune) \u203a [7]  Thrown";
-        QTest::newRow("unknown key") << "_file9_tune9" << "";
-    }
-    void statusCaption()
-    {
-        QFETCH(QString, clicked);
-        QFETCH(QString, caption);
-        World w;
-        QCOMPARE(fenwork::statusCaption(w.tree(), w.key(clicked)), caption);
-    }
 };
 
 FENWORK_TEST(TestNodeSelection)

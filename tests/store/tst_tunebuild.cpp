@@ -107,46 +107,6 @@ private slots:
         QCOMPARE(env.ui().messages(), QStringList());
     }
 
-    // The caption: the X value as written, then the first title without its comment (more cases in
-    // the golden folder tune-fields).
-    void caption_data()
-    {
-        QTest::addColumn<QString>("xLine");
-        QTest::addColumn<QString>("lines");
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<QString>("writtenX");
-        QTest::newRow("last % counts") << "X:3" << "T:a % b % c" << "[3]  a % b" << "X:3";
-        QTest::newRow("empty X") << "X:" << "T:A" << "[]  A" << "X:";
-    }
-    void caption()
-    {
-        QFETCH(QString, xLine);
-        QFETCH(QString, lines);
-        QFETCH(QString, caption);
-        QFETCH(QString, writtenX);
-        test::TestEnv env;
-        const QString kFile = openBase(env);
-        const QString kTune = env.app().store().AddStringTune(crlf(xLine + "\n" + lines + "\nabc\n"), kFile);
-        QCOMPARE(env.app().tree().find(kTune)->Text, caption);
-        const QString text = env.app().store().GetStringTune(kTune, false);
-        QCOMPARE(text.left(text.indexOf(CRLF)), writtenX);
-        if (lines.startsWith(u"T:"))
-            QCOMPARE(env.app().tree().find(kTune + "_hdrTune_lg1")->Text, lines.section(u'\n', 0, 0));
-    }
-
-    // ":|:" becomes ":||:" everywhere in the tune, comments too, and the caller's text says so.
-    void repeatSign()
-    {
-        test::TestEnv env;
-        const QString kFile = openBase(env);
-        QString text = crlf("X:2\nT:A :|: B\nK:C\n% a :|: b\nabc :|: def :||: g\n");
-        QString wanted;
-        const QString kTune = env.app().store().AddStringTune(text, kFile, false, {}, false, wanted);
-        QCOMPARE(text, crlf("X:2\nT:A :||: B\nK:C\n% a :||: b\nabc :||: def :||: g\n"));
-        QCOMPARE(lf(env.app().store().GetStringTune(kTune, false)), text.replace(CRLF, QStringLiteral("\n")));
-        QCOMPARE(env.app().tree().find(kTune)->Text, QStringLiteral("[2]  A :||: B"));
-    }
-
     // A second "%~~~EX~~~" line repeats a key: the tune stops there, with what it had.
     void repeatedMarker()
     {
@@ -218,67 +178,6 @@ private slots:
         // Rewriting a tune that isn't there adds nothing.
         QCOMPARE(store.AddStringTune(crlf("X:8\nabc\n"), kFile, false, kFile + "_tune99", false), QString());
         QCOMPARE(body->childCount(), 4);
-    }
-
-    // Included lines: blue, keyed after their include line, untrimmed, read as they are.
-    void includedLines_data()
-    {
-        QTest::addColumn<QByteArray>("ends");
-        QTest::newRow("CR") << QByteArray("\r");
-    }
-    void includedLines()
-    {
-        QFETCH(QByteArray, ends);
-        test::TestEnv env;
-        QByteArray included = "%%pagewidth 21cm\n  %%indented stays\n   \n\n%%beginps\n/x 1 def\n%%endps\n"
-                              "%%abc-include other.abc\nT:Caf\\'e :|:\nP:A\n";
-        env.writeFile("inc.abc", included.replace("\n", ends));
-        env.writeFile("other.abc", "T:never read\r\n");
-        const QString kFile = openBase(env);
-        const QString kTune =
-            env.app().store().AddStringTune(crlf("X:2\nT:A\n%%abc-include inc.abc\nK:G\nabc\n"), kFile);
-        const QString include = kTune + "_hdrTune_lg2";
-        QCOMPARE(env.app().tree().find(include)->imageName(), QStringLiteral("include"));
-        QCOMPARE(includedDump(env.app(), include),
-                 QStringLiteral("_inclg1 chpetend %%pagewidth 21cm #ff0000\n"
-                                "_inclg2 chpetend   %%indented stays #ff0000\n"
-                                "_inclg3 mus     #ff0000\n"
-                                "_inclg4 chpetend %%beginps #ff0000\n"
-                                "_inclg5 noabc /x 1 def #ff0000\n"
-                                "_inclg6 chpetend %%endps #ff0000\n"
-                                "_inclg7 include %%abc-include other.abc #ff0000\n"
-                                "_inclg8 propr T:Caf\\'e :|: #ff0000\n"
-                                "_inclg9 part P:A #ff0000"));
-        // The included P:A is no line of the tune: the header goes on after it.
-        const Node *header = env.app().tree().find(kTune + "_hdrTune");
-        QCOMPARE(header->lastChild()->Text, QStringLiteral("K:G"));
-        QVERIFY(header->Expanded);
-        QCOMPARE(env.ui().messages(), QStringList());
-    }
-
-    void includeNames_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<bool>("found");
-        QTest::newRow("quoted") << "%%abc-include \"inc.abc\"" << true;
-        QTest::newRow("missing") << "%%abc-include nothing.abc" << false;
-    }
-    void includeNames()
-    {
-        QFETCH(QString, line);
-        QFETCH(bool, found);
-        test::TestEnv env;
-        env.writeFile("inc.abc", "T:included\r\n");
-        const QString kFile = openBase(env);
-        const QString kTune = env.app().store().AddStringTune(crlf("X:2\nT:A\n" + line + "\nK:G\nabc\n"), kFile);
-        const QString include = kTune + "_hdrTune_lg2";
-        if (found) {
-            QCOMPARE(includedDump(env.app(), include), QStringLiteral("_inclg1 propr T:included #ff0000"));
-        } else {
-            QCOMPARE(includedDump(env.app(), include),
-                     QStringLiteral("_err noabc % !!! ERR !!! : file not found #b0b0ff"));
-        }
-        QCOMPARE(env.ui().messages(), QStringList());
     }
 
     // What GetStringTune gives of a tune with includes, in the header and in the body alike: the

@@ -128,18 +128,6 @@ private slots:
         QVERIFY(!f.app().commands().isEnabled(QStringLiteral("mnu_pasteTune")));
     }
 
-    void pasteIntoAnotherFile()
-    {
-        Fixture f;
-        const QString kOther = f.open(QStringLiteral("b.abc"), "X:7\nT:Seven\nK:C\nc|\n");
-        f.current(f.tune(2));
-        mnu_cutTune(f.app());
-        const QString kNew = CollerTuneSur(f.app(), kOther + QStringLiteral("_tune1"), f.app().store().pendingTune);
-        QCOMPARE(GetKFile(kNew), kOther);
-        QCOMPARE(f.tunes(kOther).size(), 2);
-        QCOMPARE(f.tunes(kOther).first(), QStringLiteral("_tune2=2"));
-    }
-
     // The second cut asks; "No" keeps the first pending, yet the second tune is gone all the same.
     void twoCutsInARow()
     {
@@ -335,18 +323,6 @@ private slots:
         QVERIFY(!text.contains(QStringLiteral("%~~~")));
         QCOMPARE(f.app().tree().find(key::TrashBody)->childCount(), 0);
         QVERIFY(!test::readAll(f.app().paths().trashFile()).contains(QStringLiteral("T:Two")));
-    }
-
-    void tuneOfANewFileHasNoOrigin()
-    {
-        Fixture f;
-        const QString kNew = f.app().store().createNewFile();
-        const QString kTune = AddNewTune(f.app(), kNew, false);
-        DelTune(f.app(), kTune, false, true);
-        const TrashTuneInfo info
-            = trashTuneInfo(f.app(), f.app().tree().find(key::TrashBody)->firstChild()->Key);
-        QCOMPARE(info.origin, QStringLiteral("<new>"));
-        QVERIFY(!info.originExists);
     }
 
     void emptyTheTrash()

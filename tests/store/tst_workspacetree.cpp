@@ -7,7 +7,6 @@
 #include "store/workspacetree.h"
 
 #include <QAbstractItemModelTester>
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -42,25 +41,6 @@ private slots:
         QCOMPARE(int(keyKind(key)), kind);
     }
 
-    void linePictures_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("picture");
-        QTest::addColumn<QString>("trimmed");
-        QTest::newRow("include any case") << "  %%ABC-Include hdr.abc " << "include" << "%%ABC-Include hdr.abc";
-        QTest::newRow("R field") << "R:reel" << "propr" << "R:reel";
-        QTest::newRow("digit colon") << "1:2" << "mus" << "1:2";
-        QTest::newRow("tab stays") << "\tK:G" << "mus" << "\tK:G";
-    }
-    void linePictures()
-    {
-        QFETCH(QString, line);
-        QFETCH(QString, picture);
-        QFETCH(QString, trimmed);
-        QCOMPARE(picName(GetIconeLigne(line)), picture);
-        QCOMPARE(line, trimmed);
-    }
-
     void removeSubtreeForgetsKeys()
     {
         WorkspaceTree tree;
@@ -74,81 +54,6 @@ private slots:
         QCOMPARE(tree.count(), 1);
         QVERIFY(!tree.contains("_file1_hdrFile_lg1"));
         QVERIFY(tree.addChild(root, "_file1_hdrFile_lg1", "", Pic::Rem));
-    }
-
-    // Closed files free their number: the next file takes it but stands last.
-    void setOneKeyReusesFreedNumbers()
-    {
-        test::TestEnv env;
-        createWorkspaceRoot(env.app());
-        WorkspaceTree &tree = env.app().tree();
-        for (int i = 0; i < 3; ++i)
-            SetOneKey(tree, tree.addChild(tree.root(), {}, "f", Pic::FileAbc), "_file");
-        tree.remove(tree.find("_file2"));
-        Node *next = tree.addChild(tree.root(), {}, "new", Pic::FileAbc);
-        SetOneKey(tree, next, "_file");
-        QCOMPARE(next->Key, QString("_file2"));
-        QCOMPARE(tree.root()->lastChild(), next);
-    }
-
-    void captions_data()
-    {
-        QTest::addColumn<int>("tunes");
-        QTest::addColumn<QString>("suffix");
-        QTest::addColumn<bool>("trashBold");
-        QTest::newRow("none") << 0 << "(<empty>)" << false;
-        QTest::newRow("two") << 2 << "(2 <tunes>)" << true;
-    }
-    void captions()
-    {
-        QFETCH(int, tunes);
-        QFETCH(QString, suffix);
-        QFETCH(bool, trashBold);
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        WorkspaceTree &tree = app.tree();
-        Node *file = tree.addChild(tree.root(), "_file1", "[a.abc]", Pic::FileAbc);
-        tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
-        Node *body = tree.addChild(file, "_file1_bdyFile", "", Pic::BdyFile);
-        for (int i = 1; i <= tunes; ++i) {
-            tree.addChild(body, "_file1_tune" + QString::number(i), "", Pic::Tune);
-            tree.addChild(tree.find("_file0_bdyFile"), "_file0_tune" + QString::number(i), "", Pic::Tune);
-        }
-        const auto expand = [&](QString text) {
-            for (const char *k : {"<empty>", "<tune>", "<tunes>"})
-                text.replace(QString::fromLatin1(k), app.text("Mainform", QString::fromLatin1(k)));
-            return text;
-        };
-        CompterTunesDansFichier(app, "_file1");
-        QCOMPARE(body->Text, app.text("MainForm", "<fileBody>") + " " + expand(suffix));
-        CompterTunesDansFichier(app, "_file0");
-        QCOMPARE(tree.find("_file0")->Text, app.text("Mainform", "<trashbox>") + " " + expand(suffix));
-        QCOMPARE(tree.find("_file0")->Bold, trashBold);
-    }
-
-    void aliasAndOpenCheck()
-    {
-        test::TestEnv env;
-        AppContext &app = env.app();
-        createWorkspaceRoot(app);
-        WorkspaceTree &tree = app.tree();
-        Node *file = tree.addChild(tree.root(), "_file1", "", Pic::FileAbc);
-        file->Tag = "/tmp/Reels.abc";
-        Node *hdr = tree.addChild(file, "_file1_hdrFile", "", Pic::HdrFile);
-        bool found = true;
-        QCOMPARE(GetAliasFile(app, "_file1", &found), QString());
-        QVERIFY(!found);
-        Node *alias = tree.addChild(hdr, "_file1_hdrFile_lgalias", "%%abc-alias  Reels ", Pic::ChpEtend);
-        QCOMPARE(GetAliasFile(app, "_file1", &found), QString("Reels"));
-        QVERIFY(found);
-        tree.setText(alias, "%%abc-alias none");
-        QCOMPARE(GetAliasFile(app, "_file1"), QString());
-        QCOMPARE(GetPathFile(app, "_file1"), QString("/tmp/Reels.abc"));
-        QVERIFY(!IsOpenFile(app, "/tmp/reels.abc")); // exact comparison
-        QVERIFY(env.ui().messages().isEmpty());
-        QVERIFY(IsOpenFile(app, "/tmp/Reels.abc"));
-        QVERIFY(env.ui().lastMessage().contains(app.text("Msg", "<openSyn>")));
     }
 
     // The view sees a consistent model through inserts, builds, removals and resets.
