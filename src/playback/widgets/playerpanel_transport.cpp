@@ -361,8 +361,10 @@ void PlayerPanel::tm_Midi_Timer()
         m_progress->setValue(
             player::progressValue(m_player->position(), m_player->length(), m_progress->maximum()));
     }
-    // The end of a tune is told by this timer alone, with half a second's grace.
-    if (m_player->isPlaying()) {
+    // The end of a tune is told by this timer alone, with half a second's grace; between the
+    // tunes of a sequence the sequence moves on or stops by itself.
+    const PlaySequence::State step = m_sequence->state();
+    if (m_player->isPlaying() || step == PlaySequence::State::Pausing || step == PlaySequence::State::Closing) {
         m_notPlaying.invalidate();
     } else if (!m_notPlaying.isValid()) {
         m_notPlaying.start();
