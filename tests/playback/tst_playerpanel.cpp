@@ -310,6 +310,7 @@ private slots:
         });
         watch.start(50);
         rig.panel->mnu_PlayFile(mode);
+        QVERIFY(rig.waitStopped());
         QCOMPARE(rig.shown.mid(0, order.size()), order);
         QVERIFY(!rig.get<QToolButton>("chk_Loop")->isChecked());
         QVERIFY(rig.stoppedState());

@@ -9,6 +9,7 @@
 #include "frame/userdialogs.h"
 #include "playback/midiplayer.h"
 #include "playback/playerlogic.h"
+#include "playback/playsequence.h"
 #include "playback/synthengine.h"
 #include "playback/synthmidiout.h"
 #include "playback/widgets/mixerpanel.h"
@@ -103,6 +104,7 @@ PlayerPanel::PlayerPanel(AppContext &app, SynthEngine *engine, QWidget *parent)
     connect(m_tmDelay, &QTimer::timeout, this, &PlayerPanel::tm_Delay_Timer);
 
     buildControls();
+    makeSequence();
     // Play is enabled where the selection allows it, while nothing plays.
     connect(&app.commands(), &CommandState::enabledChanged, this, [this](const QString &name, bool enabled) {
         if (name == u"bt_Midi1" && !m_performance)
@@ -120,6 +122,7 @@ PlayerPanel::PlayerPanel(AppContext &app, SynthEngine *engine, QWidget *parent)
 
 PlayerPanel::~PlayerPanel()
 {
+    m_sequence.reset();
     m_tmMidi->stop();
     m_tmDelay->stop();
     if (m_busy)

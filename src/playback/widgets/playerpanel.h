@@ -21,6 +21,7 @@ class AppContext;
 class MidiOut;
 class MidiPlayer;
 class MixerPanel;
+class PlaySequence;
 class SynthEngine;
 class SynthMidiOut;
 class UpDown;
@@ -72,6 +73,8 @@ public:
     // A tune is loaded for playing, from the press of Play until Stop.
     bool hasPerformance() const { return m_performance; }
     bool isPaused() const { return m_paused; }
+    // The file or list being played tune after tune.
+    PlaySequence &sequence() const { return *m_sequence; }
 
 public slots:
     // The transport event: `value` true is a press, false a release.
@@ -100,6 +103,8 @@ signals:
 
 private:
     void buildControls();
+    // The sequence plays through the transport, as a user would press its buttons.
+    void makeSequence();
     QToolButton *toggle(const QString &name, const QString &text, const QString &icon = {});
     // Sets a button's state without raising its event.
     void setButtonQuietly(int index, bool down);
@@ -112,8 +117,6 @@ private:
     void prepareCountDown();
     void setBusy(bool busy);
     void reportOutputOnce();
-    // Pumps events for `ms` milliseconds; false when a Stop came meanwhile.
-    bool pumpFor(int ms, quint64 stops);
     static void waitEvents(int ms);
 
     void tm_Midi_Timer();
@@ -176,13 +179,13 @@ private:
     bool m_performance = false;
     bool m_paused = false;
     int m_pausePosition = 0;
-    int m_nbRepeatPlaying = 0;
     bool m_guardProgramPress = false; // the press of Play is the program's
     bool m_guardStopped = true; // stopped: a release of Play is not answered
     bool m_busy = false;
     bool m_outputReported = false;
     quint64 m_stops = 0; // Stops so far: the waits end when it moves
     QElapsedTimer m_notPlaying; // since when the tune no longer plays
+    std::unique_ptr<PlaySequence> m_sequence; // last: it goes first, before what its hooks reach
 };
 
 } // namespace fenwork

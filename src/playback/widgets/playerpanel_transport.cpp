@@ -13,6 +13,7 @@
 #include "playback/midiplayer.h"
 #include "playback/playerlogic.h"
 #include "playback/playprep.h"
+#include "playback/playsequence.h"
 #include "playback/synthengine.h"
 #include "playback/widgets/mixerpanel.h"
 #include "playback/widgets/updown.h"
@@ -89,17 +90,6 @@ void PlayerPanel::waitEvents(int ms)
         QCoreApplication::processEvents(QEventLoop::AllEvents);
         QThread::msleep(ulong(std::clamp<qint64>(deadline.remainingTime(), 0, 5)));
     } while (!deadline.hasExpired());
-}
-
-bool PlayerPanel::pumpFor(int ms, quint64 stops)
-{
-    QDeadlineTimer deadline(ms);
-    while (!deadline.hasExpired()) {
-        waitEvents(int(std::clamp<qint64>(deadline.remainingTime(), 1, 20)));
-        if (m_stops != stops)
-            return false;
-    }
-    return m_stops == stops;
 }
 
 void PlayerPanel::bt_Midi_Click(int index, bool value)
@@ -191,6 +181,7 @@ void PlayerPanel::doStop()
     m_notPlaying.invalidate();
     setBusy(false);
     ++m_stops;
+    m_sequence->playerStopped();
 }
 
 void PlayerPanel::prepareCountDown()
@@ -313,7 +304,7 @@ bool PlayerPanel::startPlaying(const QString &midiPath, quint64 stops)
         return false;
     }
     reportOutputOnce();
-    m_player->setRepeats(m_loop->isChecked() ? -1 : m_nbRepeatPlaying);
+    m_player->setRepeats(m_loop->isChecked() ? -1 : m_sequence->repetitions());
     m_player->programChange(0, m_gm->currentIndex());
     scr_Midi_Change(0);
     scr_Midi_Change(1);
@@ -361,6 +352,7 @@ void PlayerPanel::reportOutputOnce()
 
 void PlayerPanel::tm_Midi_Timer()
 {
+    m_sequence->positionMoved();
     // The position is not drawn while the user holds the slider.
     if (m_progress->isSliderDown() || m_progress->hasFocus() || !m_player->isLoaded())
         return;
@@ -369,8 +361,10 @@ void PlayerPanel::tm_Midi_Timer()
         m_progress->setValue(
             player::progressValue(m_player->position(), m_player->length(), m_progress->maximum()));
     }
-    // The end of a tune is told by this timer alone, with half a second's grace.
-    if (m_player->isPlaying()) {
+    // The end of a tune is told by this timer alone, with half a second's grace; between the
+    // tunes of a sequence the sequence moves on or stops by itself.
+    const PlaySequence::State step = m_sequence->state();
+    if (m_player->isPlaying() || step == PlaySequence::State::Pausing || step == PlaySequence::State::Closing) {
         m_notPlaying.invalidate();
     } else if (!m_notPlaying.isValid()) {
         m_notPlaying.start();
@@ -431,67 +425,38 @@ void PlayerPanel::bt_playNextPrev_Click(int index)
     mnu_playTune();
 }
 
-void PlayerPanel::mnu_PlayFile(int index)
+void PlayerPanel::makeSequence()
 {
-    const Node *body = m_app.tree().find(m_app.selection().fileKey() + key::BdyFile);
-    if (!body || body->childCount() == 0 || !m_host.selectNode)
-        return;
-    {
+    PlaySequenceHost host;
+    host.begin = [this] {
         const QSignalBlocker block(m_loop);
         m_loop->setChecked(false);
-    }
-    QString key = m_app.selection().tuneKey();
-    const Node *start = m_app.tree().find(key);
-    if (!start || start->parent() != body)
-        key = body->firstChild()->Key;
-
-    int skipped = 0;
-    for (;;) {
-        const Node *node = m_app.tree().find(key);
-        if (!node)
-            return; // the file went away
-        if (index == 1 && node->ForeColor == player::kFilteredOutColour) {
-            if (++skipped > node->parent()->childCount())
-                return; // every tune is greyed out
-        } else {
-            skipped = 0;
+    };
+    host.select = [this](const QString &key) {
+        if (m_host.selectNode)
             m_host.selectNode(key);
-            QCoreApplication::processEvents();
-            {
-                const QSignalBlocker block(m_progress);
-                m_progress->setValue(m_progress->minimum());
-            }
-            if (index != 2)
-                m_nbRepeatPlaying = m_app.ini().getInt(keys::NbRepeat) - 1;
-            pressPlay();
-            const quint64 stops = m_stops;
-            for (;;) {
-                waitEvents(20);
-                if (m_buttons[2]->isChecked() || m_stops != stops) {
-                    m_nbRepeatPlaying = 0;
-                    return;
-                }
-                if (!m_performance) {
-                    pressStop();
-                    return;
-                }
-                if (!m_player->isLoaded())
-                    continue;
-                const int position = m_player->position();
-                if (position == m_player->length() || (index == 2 && position > player::kQuickScanLength))
-                    break;
-            }
-            if (!pumpFor(500, stops)) {
-                m_nbRepeatPlaying = 0;
-                return;
-            }
-        }
-        node = m_app.tree().find(key);
-        if (!node)
-            return;
-        const Node *next = node->nextSibling();
-        key = next ? next->Key : node->parent()->firstChild()->Key;
-    }
+        QCoreApplication::processEvents();
+        const QSignalBlocker block(m_progress);
+        m_progress->setValue(m_progress->minimum());
+    };
+    host.showRow = [this](int row) {
+        if (m_host.showChoiceRow)
+            m_host.showChoiceRow(row);
+    };
+    host.play = [this] { pressPlay(); };
+    host.stop = [this] { pressStop(); };
+    host.loaded = [this] { return m_player->isLoaded(); };
+    host.position = [this] { return m_player->position(); };
+    host.length = [this] { return m_player->length(); };
+    m_sequence = std::make_unique<PlaySequence>(m_app.tree(), std::move(host));
+}
+
+void PlayerPanel::mnu_PlayFile(int index)
+{
+    if (!m_host.selectNode)
+        return;
+    m_sequence->playFile(PlaySequence::FileMode(std::clamp(index, 0, 2)), m_app.selection().fileKey(),
+        m_app.selection().tuneKey(), m_app.ini().getInt(keys::NbRepeat));
 }
 
 void PlayerPanel::bt_playLst_Click()
@@ -506,43 +471,8 @@ void PlayerPanel::bt_playLst_Click()
 
 void PlayerPanel::mnu_playLst()
 {
-    ChoiceList *list = m_host.choiceList;
-    if (!list)
-        return;
-    {
-        const QSignalBlocker block(m_loop);
-        m_loop->setChecked(false);
-    }
-    const quint64 stops = m_stops;
-    for (int i = 0; i < list->count(); ++i) {
-        const QString key = list->at(i).key;
-        if (m_host.showChoiceRow)
-            m_host.showChoiceRow(i);
-        if (m_host.selectNode)
-            m_host.selectNode(key);
-        m_nbRepeatPlaying = qMax(0, list->at(i).repetitions - 1);
-        pressPlay();
-        for (;;) {
-            waitEvents(20);
-            if (!m_performance || m_stops != stops) {
-                m_nbRepeatPlaying = 0;
-                return;
-            }
-            if (m_player->isLoaded() && m_player->position() == m_player->length())
-                break;
-        }
-        if (!pumpFor(500, stops)) {
-            m_nbRepeatPlaying = 0;
-            return;
-        }
-        // The list may have changed meanwhile.
-        i = list->indexOf(key);
-        if (i < 0)
-            break;
-    }
-    pumpFor(500, stops);
-    pressStop();
-    m_nbRepeatPlaying = 0;
+    if (m_host.choiceList)
+        m_sequence->playList(*m_host.choiceList);
 }
 
 void PlayerPanel::mnu_midiExt()
