@@ -32,6 +32,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QDialog>
 #include <QTabWidget>
 #include <QTest>
 #include <QSignalSpy>
