@@ -17,6 +17,7 @@ int g_pipe[2] = { -1, -1 };
 
 // Often enough that a box opened after the termination is gone before anyone sees it.
 constexpr int kWatchInterval = 50;
+constexpr qint64 kBusyGrace = 5000;
 
 void onSignal(int)
 {
@@ -83,6 +84,7 @@ void UnixSignals::request()
     if (m_requested)
         return;
     m_requested = true;
+    m_since.start();
     // Before anyone hears of it: a listener may well open a box of its own.
     m_watch->start();
     emit terminationRequested();
@@ -93,8 +95,11 @@ void UnixSignals::tick()
 {
     closeModalWindows();
     // The first level is the main loop (or, before it runs, a start-up window's own).
+    // Work that shows the busy cursor (a file opening, a save) lets events run: it is let finish,
+    // so that the session written at quit holds what it did, unless it outlasts a few seconds.
+    const bool busy = QApplication::overrideCursor() && m_since.elapsed() < kBusyGrace;
     if (QThread::currentThread()->loopLevel() <= 1 && !QApplication::activeModalWidget()
-        && !QApplication::activePopupWidget())
+        && !QApplication::activePopupWidget() && !busy)
         emit readyToQuit();
 }
 

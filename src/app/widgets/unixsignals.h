@@ -1,4 +1,5 @@
 #pragma once
+#include <QElapsedTimer>
 #include <QObject>
 
 class QSocketNotifier;
@@ -33,6 +34,7 @@ private:
     bool m_requested = false;
     QSocketNotifier *m_notifier = nullptr;
     QTimer *m_watch = nullptr;
+    QElapsedTimer m_since; // since the termination was asked for
 };
 
 // Closes every modal window and pop-up menu: dialogs are rejected, so that whoever waits in
