@@ -4,6 +4,7 @@
 #include "frame/appcontext.h"
 #include "frame/language.h"
 #include "frame/userdialogs.h"
+#include "frame/widgets/presetnamebox.h"
 #include "frame/widgets/icons.h"
 #include "store/treeops.h"
 
@@ -166,25 +167,13 @@ FilterPanel::FilterPanel(AppContext &app, QWidget *parent)
     // Saved masks: name box, save, delete, clear.
     auto *masks = new QHBoxLayout;
     masks->setSpacing(4);
-    m_msk = new QComboBox(this);
-    m_msk->setObjectName(QStringLiteral("lst_Msk"));
-    m_msk->setInsertPolicy(QComboBox::NoInsert);
-    m_msk->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_msk->setMinimumContentsLength(8);
-    // Our own line edit, so that our handlers run before and after the box's own: a name typed
-    // and confirmed must not count as choosing that mask.
-    auto *mskEdit = new QLineEdit;
-    connect(mskEdit, &QLineEdit::editingFinished, this, [this] { m_mskEditingFinished = true; });
-    connect(mskEdit, &QLineEdit::returnPressed, this, [this] {
+    m_msk = new PresetNameBox(QStringLiteral("lst_Msk"), this);
+    connect(m_msk, &PresetNameBox::returnPressed, this, [this] {
         if (m_memMask->isEnabled())
             bt_memMask_Click();
     });
-    m_msk->setEditable(true);
-    m_msk->setLineEdit(mskEdit);
-    m_msk->setCompleter(nullptr);
-    connect(mskEdit, &QLineEdit::editingFinished, this, [this] { m_mskEditingFinished = false; });
-    connect(mskEdit, &QLineEdit::textEdited, this, &FilterPanel::maskNameEdited);
-    mskEdit->installEventFilter(this);
+    connect(m_msk, &PresetNameBox::nameEdited, this, &FilterPanel::maskNameEdited);
+    m_msk->lineEdit()->installEventFilter(this);
     connect(m_msk, &QComboBox::activated, this, &FilterPanel::lst_Msk_Click);
     masks->addWidget(m_msk, 1);
 
@@ -385,7 +374,7 @@ void FilterPanel::bt_SupprFltr_Click()
 void FilterPanel::lst_Msk_Click(int row)
 {
     // The box's own confirmation of a typed name that happens to be listed is no choice.
-    if (row < 0 || m_mskEditingFinished)
+    if (row < 0 || m_msk->confirmingTypedName())
         return;
     m_delMask->setEnabled(true);
     m_memMask->setEnabled(false);

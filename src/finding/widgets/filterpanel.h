@@ -14,6 +14,8 @@ class QScrollArea;
 
 namespace fenwork {
 
+class PresetNameBox;
+
 class AppContext;
 
 // The search panel `pic_search`: 33 field rows, the anywhere and melody boxes, the options and
@@ -87,13 +89,12 @@ private:
     QCheckBox *m_invSearch = nullptr;   // chk_invSearch
     QComboBox *m_domain = nullptr;      // lst_domaineFind
     QComboBox *m_results = nullptr;     // lst_resFind
-    QComboBox *m_msk = nullptr;         // lst_Msk
+    PresetNameBox *m_msk = nullptr;         // lst_Msk
     QPushButton *m_memMask = nullptr;   // bt_memMask
     QPushButton *m_delMask = nullptr;   // bt_delMask
     QPushButton *m_mskClear = nullptr;  // bt_mskClear
     QPushButton *m_search = nullptr;    // bt_Search
     QPushButton *m_supprFltr = nullptr; // bt_SupprFltr
-    bool m_mskEditingFinished = false;
 };
 
 } // namespace fenwork

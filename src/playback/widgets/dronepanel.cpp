@@ -6,6 +6,7 @@
 #include "frame/language.h"
 #include "frame/settings.h"
 #include "frame/userdialogs.h"
+#include "frame/widgets/presetnamebox.h"
 #include "frame/widgets/icons.h"
 #include "playback/drone.h"
 
@@ -124,24 +125,12 @@ DronePanel::DronePanel(AppContext &app, MidiOut &out, QWidget *parent)
     // Saved drones: name box, save, delete.
     auto *saved = new QHBoxLayout;
     saved->setSpacing(4);
-    m_names = new QComboBox(this);
-    m_names->setObjectName(QStringLiteral("lst_droneNames"));
-    m_names->setInsertPolicy(QComboBox::NoInsert);
-    m_names->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_names->setMinimumContentsLength(8);
-    // Our own line edit, so that a name typed and confirmed with Return saves rather than
-    // counting as choosing a listed drone of that name.
-    auto *nameEdit = new QLineEdit;
-    connect(nameEdit, &QLineEdit::editingFinished, this, [this] { m_namesEditingFinished = true; });
-    connect(nameEdit, &QLineEdit::returnPressed, this, [this] {
+    m_names = new PresetNameBox(QStringLiteral("lst_droneNames"), this);
+    connect(m_names, &PresetNameBox::returnPressed, this, [this] {
         if (m_memDrone->isEnabled())
             bt_memDrone_Click();
     });
-    m_names->setEditable(true);
-    m_names->setLineEdit(nameEdit);
-    m_names->setCompleter(nullptr);
-    connect(nameEdit, &QLineEdit::editingFinished, this, [this] { m_namesEditingFinished = false; });
-    connect(nameEdit, &QLineEdit::textEdited, this, &DronePanel::droneNameEdited);
+    connect(m_names, &PresetNameBox::nameEdited, this, &DronePanel::droneNameEdited);
     connect(m_names, &QComboBox::activated, this, &DronePanel::lst_droneNames_Click);
     saved->addWidget(m_names, 1);
     m_memDrone = new QPushButton(
@@ -366,7 +355,7 @@ void DronePanel::droneNameEdited(const QString &text)
 void DronePanel::lst_droneNames_Click(int row)
 {
     // The box's own confirmation of a typed name that happens to be listed is no choice.
-    if (row < 0 || m_namesEditingFinished)
+    if (row < 0 || m_names->confirmingTypedName())
         return;
     m_delDrone->setEnabled(true);
     m_memDrone->setEnabled(false);

@@ -14,6 +14,8 @@ class QToolButton;
 
 namespace fenwork {
 
+class PresetNameBox;
+
 class AppContext;
 class Drone;
 class MidiOut;
@@ -68,7 +70,6 @@ private:
     AppContext &m_app;
     std::unique_ptr<Drone> m_drone;
     bool m_showing = false;
-    bool m_namesEditingFinished = false;
 
     QCheckBox *m_bourdon = nullptr; // chk_Bourdon
     QSlider *m_droneVol = nullptr; // sl_droneVol
@@ -82,7 +83,7 @@ private:
     std::array<QComboBox *, 3> m_gm {}; // lst_GMdrone(i)
     std::array<QComboBox *, 3> m_note {}; // lst_droneNote(i)
     std::array<QSlider *, 3> m_volume {}; // scr_drone(i)
-    QComboBox *m_names = nullptr; // lst_droneNames
+    PresetNameBox *m_names = nullptr; // lst_droneNames
     QPushButton *m_memDrone = nullptr; // bt_memDrone
     QPushButton *m_delDrone = nullptr; // bt_delDrone
 };
