@@ -77,4 +77,12 @@ double leadingNumber(QStringView text)
     return ok ? value : 0;
 }
 
+QString withoutAccelerator(QString text)
+{
+    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    text.remove(u'&');
+    text.replace(u'\x01', u'&');
+    return text;
+}
+
 } // namespace fenwork

@@ -25,6 +25,9 @@ QString crlfLines(const QString &text);
 // digits and one decimal point; 0 when there is none.
 double leadingNumber(QStringView text);
 
+// A menu text as a tool tip shows it: the accelerator marks "&" gone, "&&" a plain "&".
+QString withoutAccelerator(QString text);
+
 // Colours are kept as 0xBBGGRR integers throughout the core.
 constexpr int bgr(int r, int g, int b) { return (b << 16) | (g << 8) | r; }
 

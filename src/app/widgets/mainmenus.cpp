@@ -3,6 +3,7 @@
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
 #include "frame/language.h"
+#include "frame/strutil.h"
 #include "frame/paths.h"
 #include "frame/widgets/icons.h"
 #include "store/recentfiles.h"
@@ -43,14 +44,6 @@ QIcon iconFor(const QString &picture, const QString &programFolder)
         return QIcon::fromTheme(picture);
     const QIcon own = pictureIcon(picture, programFolder);
     return own.isNull() ? programIcon(picture, programFolder) : own;
-}
-
-QString withoutAccelerator(QString text)
-{
-    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
-    text.remove(u'&');
-    text.replace(u'\x01', u'&');
-    return text;
 }
 
 } // namespace

@@ -118,12 +118,6 @@ MainWindow::~MainWindow()
     }
 }
 
-void MainWindow::EpurerListeChoix()
-{
-    const WorkspaceTree &tree = m_app.tree();
-    m_choiceList->prune([&tree](const QString &key) { return tree.contains(key); });
-}
-
 TreeView *MainWindow::tree() const
 {
     return m_explorer->tree();
@@ -254,35 +248,6 @@ void MainWindow::buildPanels()
         if (const Node *node = m_model->nodeAt(from); node && node->Key == m_app.selection().fileKey())
             m_status->setFilePath(node->Tag);
     });
-}
-
-void MainWindow::closeForSession(bool tune, const QString &editedKey)
-{
-    // The notes typed in a tune sound on the drone's output, so the drone gives way.
-    if (tune && m_drone)
-        m_drone->stopDrone();
-    TreeView *view = tree();
-    view->setEnabled(false);
-    view->setCursor(Qt::ForbiddenCursor);
-    view->expandKey(editedKey);
-    m_toolBar->setEnabled(false);
-    m_score->setPauseVisible(tune);
-    m_player->setNextPrevEnabled(false);
-    m_player->setOneLineShown(tune);
-}
-
-void MainWindow::openAfterSession(const QString &editedKey, bool validated)
-{
-    TreeView *view = tree();
-    view->setEnabled(true);
-    view->setCursor(Qt::ArrowCursor);
-    m_toolBar->setEnabled(true);
-    m_score->setPauseVisible(false);
-    m_player->setNextPrevEnabled(true);
-    m_player->setOneLineShown(false);
-    if (validated)
-        SimulerNodeClick(editedKey);
-    view->setFocus();
 }
 
 void MainWindow::MainLoad()

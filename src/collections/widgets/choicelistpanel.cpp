@@ -3,6 +3,7 @@
 #include "collections/choicelist.h"
 #include "collections/widgets/choicelistmodel.h"
 #include "frame/language.h"
+#include "frame/strutil.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -30,14 +31,6 @@ const ListCommand kListCommands[] = {
     { "lstToSet", "view-list-tree", "<lstToSet>" },
     { "lstToAbc", "document-save-as", "<lstToAbc>" },
 };
-
-QString withoutAccelerator(QString text)
-{
-    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
-    text.remove(u'&');
-    text.replace(u'\x01', u'&');
-    return text;
-}
 
 } // namespace
 
