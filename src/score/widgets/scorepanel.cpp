@@ -441,6 +441,13 @@ int ScorePanel::tablatureRow() const
     return qMax(0, m_tabs->currentIndex());
 }
 
+void ScorePanel::enterDegradedMode()
+{
+    m_refresher->setManualOnly(true);
+    m_seeScore->setVisible(true);
+    m_pause->setVisible(false);
+}
+
 void ScorePanel::setPauseVisible(bool visible)
 {
     m_pauseWanted = visible;

@@ -66,6 +66,8 @@ public:
     void setPauseVisible(bool visible);
     bool isPaused() const;
     bool isManualOnly() const;
+    // Ghostscript turned out to be missing elsewhere: only the refresh button draws from now on.
+    void enterDegradedMode();
     bool isFullPanel() const { return m_full; }
     ScoreRefresher &refresher() { return *m_refresher; }
     // Refreshes run so far (the engraver may run twice in one).
