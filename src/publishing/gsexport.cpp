@@ -65,8 +65,9 @@ QStringList exportGhostscriptArguments(const QString &extension, int resolution,
         device = QStringLiteral("-sDEVICE=bmpgray");
     }
     const bool pdf = first == u"ps2pdf";
-    // Ghostscript refuses "-r0"; 720 is what pdfwrite takes when it is given none.
-    const int dpi = resolution > 0 ? resolution : 720;
+    // Ghostscript refuses "-r0"; 720 is what pdfwrite takes when it is given none, and pictures
+    // get their usual default.
+    const int dpi = resolution > 0 ? resolution : pdf ? 720 : 120;
     const QString output = pdf ? QString(target).replace(u'%', QStringLiteral("%%")) : numberedOutputPattern(target);
     // The PDF list had ".setpdfwrite" after "-c"; Ghostscript 10 no longer defines it (the run
     // would fail with /undefined), so the "-c" stands empty as in the others.

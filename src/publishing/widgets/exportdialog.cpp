@@ -73,6 +73,7 @@ ExportDialog::ExportDialog(AppContext &app, const ExportDialogRequest &request, 
     m_tree = new QTreeWidget;
     m_tree->setObjectName(QStringLiteral("tr_fmt"));
     m_tree->header()->hide();
+    m_tree->setMinimumWidth(190);
     m_tree->setMaximumWidth(220);
     const auto branch = [this](const char *key, const char *text) {
         auto *item = new QTreeWidgetItem(m_tree, { caption(text) });
@@ -140,6 +141,7 @@ ExportDialog::ExportDialog(AppContext &app, const ExportDialogRequest &request, 
     split->addWidget(buildPreview());
     split->setStretchFactor(0, 3);
     split->setStretchFactor(1, 2);
+    split->setSizes({ 700, 520 });
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(split, 1);
     layout->addLayout(buttons);
@@ -365,7 +367,7 @@ void ExportDialog::bt_ok_Click()
         m_answer.resolution = resolution;
     const bool print = m_directPrnt->isChecked();
     m_answer.extension = print ? QStringLiteral("prn") : m_typFile->currentText().toLower();
-    if (print)
+    if (print && m_answer.resolution > 0)
         m_app.ini().set(keys::PrintResolution, QString::number(m_answer.resolution));
     m_answer.addTabs = m.addTabs;
     m_answer.tabsRow = m.tabsRow;

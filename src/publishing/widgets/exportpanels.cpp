@@ -153,11 +153,15 @@ QWidget *ExportDialog::buildPagePanel()
     auto *paperLayout = new QHBoxLayout(paperBox);
     m_paper = radioRow(paperBox, paperLayout, "opt_paper",
                        { QStringLiteral("A4"), QStringLiteral("Letter"), QStringLiteral("Legal") });
-    paperLayout->addSpacing(20);
+    paperLayout->addStretch();
+    auto *orientationBox = new QGroupBox;
+    auto *orientationLayout = new QHBoxLayout(orientationBox);
     // Landscape first, portrait second, as the format file's flag reads.
-    m_orientation = radioRow(paperBox, paperLayout, "opt_orientation",
+    m_orientation = radioRow(orientationBox, orientationLayout, "opt_orientation",
                              { QStringLiteral("Landscape"), QStringLiteral("Portrait") });
+    orientationLayout->addStretch();
     grid->addWidget(paperBox, row++, 0, 1, 3);
+    grid->addWidget(orientationBox, row++, 0, 1, 3);
     grid->setRowStretch(row, 1);
     return panel;
 }
