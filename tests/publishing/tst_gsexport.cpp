@@ -26,6 +26,8 @@ class ScriptedHost : public ExportDialogHost
 public:
     bool accept = true;
     QString extension = QStringLiteral("pdf");
+    bool addTabs = false;
+    int tabsRow = 0;
     int calls = 0;
     ExportDialogAnswer showExportDialog(const ExportDialogRequest &request) override
     {
@@ -35,6 +37,8 @@ public:
             answer.paperName = QStringLiteral("a4");
             answer.extension = extension;
             answer.resolution = request.resolution;
+            answer.addTabs = addTabs;
+            answer.tabsRow = tabsRow;
         }
         return answer;
     }
@@ -210,6 +214,32 @@ private slots:
         QCOMPARE(questions, QStringList { QStringLiteral("Do you want to view the exported file PNG [") + target
                                           + QStringLiteral("] ?") });
         QCOMPARE(exportStartFolder(env.app()), env.path(QStringLiteral("chosen")));
+    }
+
+    // Row 2 of the tablature list makes the engraver draw the second tablature of FmtFile.
+    void tablatureRow()
+    {
+        TestEnv env;
+        const QString kFile = openBook(env, QStringLiteral("t.abc"), tuneBook(1, 1));
+        const QByteArray procs = "/tabhOne{pop}!\r\n/tabnOne{pop pop pop}!\r\n/tabbOne{pop pop pop pop}!\r\n"
+                                 "/tabhTwo{pop}!\r\n/tabnTwo{pop pop pop}!\r\n/tabbTwo{pop pop pop pop}!\r\n";
+        env.app().ini().set(keys::FmtFile,
+                            env.writeFile(QStringLiteral("tabs.fmt"),
+                                          "%fenwk-begin\r\n%<noTabs>\r\n%Whistle D\r\n%Flute G\r\n%fenwk-end\r\n"
+                                          "beginps\r\n" + procs + "endps\r\n"
+                                          "tablature #1 pitch=D 0 0 40 tabhOne tabnOne tabbOne\r\n"
+                                          "tablature #2 pitch=G 0 0 40 tabhTwo tabnTwo tabbTwo\r\n"));
+        ScriptedHost host;
+        host.addTabs = true;
+        host.tabsRow = 2;
+        GsExporter exporter(env.app(), &host);
+        env.ui().pushFileName(env.path(QStringLiteral("t.pdf")));
+        QString ext = QStringLiteral("pdf"), target;
+        int resolution = 0;
+        QCOMPARE(exporter.ExportViaGs(kFile, ext, target, resolution), QString());
+        const QByteArray ps = readBytes(env.app().tools().inCache(QStringLiteral("tmp_exp.ps")));
+        QCOMPARE(ps.count("tabnOne"), 1); // its definition only
+        QVERIFY(ps.count("tabnTwo") > 1);
     }
 
     // A file in the latin2 character set is folded before the engraver sees it.
