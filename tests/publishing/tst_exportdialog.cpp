@@ -140,6 +140,7 @@ private slots:
         QFile::remove(request.inputPath);
         dialog.Preview(false, false, 1);
         QCOMPARE(dialog.previewPageCount(), 0);
+        QVERIFY(!dialog.findChild<QLabel *>(QStringLiteral("img_preView"))->pixmap().isNull()); // the failure picture
         QCOMPARE(dialog.findChild<QSpinBox *>(QStringLiteral("upd_page"))->text().trimmed(), QString());
     }
 };
