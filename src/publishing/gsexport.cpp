@@ -265,8 +265,12 @@ void GsExporter::offerViewer(const QString &extension, const QString &target)
         return;
     const bool picture = extension != u"pdf";
     const QString file = picture ? numberedPages(target).value(0, target) : target;
-    const QString viewer = m_app.ini().get(picture ? keys::VisuBitmap : keys::VisuPdf);
-    // An empty viewer setting, or one that does not start, means the desktop's own.
+    QString viewer = m_app.ini().get(picture ? keys::VisuBitmap : keys::VisuPdf);
+    // The old Windows defaults stood for the system's own viewer, as an empty setting does here.
+    if (viewer.compare(QLatin1String("mspaint.exe"), Qt::CaseInsensitive) == 0
+        || viewer.compare(QLatin1String("explorer.exe"), Qt::CaseInsensitive) == 0)
+        viewer.clear();
+    // A viewer that does not start gives way to the desktop's own.
     if (viewer.isEmpty() || !QProcess::startDetached(viewer, { file }))
         QDesktopServices::openUrl(QUrl::fromLocalFile(file));
 }

@@ -69,31 +69,21 @@ private slots:
         QCOMPARE(answer.tabsRow, 9); // beyond the two default rows, kept as read
     }
 
-    void directPrintStoresTheResolution()
-    {
-        TestEnv env;
-        ExportDialogRequest request;
-        request.extension = QStringLiteral("PDF");
-        ExportDialog dialog(env.app(), request);
-        QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("lab_infoDoc"))->text(),
-                 env.app().text(QStringLiteral("Msg"), QStringLiteral("<exportFile>")));
-        dialog.findChild<QRadioButton *>(QStringLiteral("opt_export1"))->click();
-        dialog.findChild<QLineEdit *>(QStringLiteral("txt_resol"))->setText(QStringLiteral("150"));
-        dialog.findChild<QPushButton *>(QStringLiteral("bt_ok"))->click();
-        QCOMPARE(dialog.answer().extension, QStringLiteral("prn"));
-        QCOMPARE(env.app().ini().get(keys::PrintResolution), QStringLiteral("150"));
-        // A first format has no line for the empty boxes.
-        QCOMPARE(readAll(formatPath(env)), buildFormatText(FormatModel()));
-    }
-
-    void reinitForgetsTheFormat()
+    // Direct printing keeps its resolution for the next time; Reset forgets the format.
+    void directPrintThenReset()
     {
         TestEnv env;
         ExportDialogRequest request;
         request.extension = QStringLiteral("PDF");
         {
             ExportDialog dialog(env.app(), request);
+            QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("lab_infoDoc"))->text(),
+                     env.app().text(QStringLiteral("Msg"), QStringLiteral("<exportFile>")));
+            dialog.findChild<QRadioButton *>(QStringLiteral("opt_export1"))->click();
+            dialog.findChild<QLineEdit *>(QStringLiteral("txt_resol"))->setText(QStringLiteral("150"));
             dialog.findChild<QPushButton *>(QStringLiteral("bt_ok"))->click();
+            QCOMPARE(dialog.answer().extension, QStringLiteral("prn"));
+            QCOMPARE(env.app().ini().get(keys::PrintResolution), QStringLiteral("150"));
         }
         QVERIFY(QFileInfo::exists(formatPath(env)));
         ExportDialog dialog(env.app(), request);

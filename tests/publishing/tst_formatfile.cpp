@@ -85,69 +85,56 @@ private slots:
         QVERIFY2(engraver.exitCode() == 0 && !said.contains("rror"), said.constData());
     }
 
-    void unwritableTarget()
+    void failures_data()
     {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("format to a missing folder") << QStringList { "format", "@none.fmt", "@no/such/out.fmt" };
+        QTest::newRow("tabs of a missing file") << QStringList { "tabs", "@none.fmt" };
+    }
+    void failures()
+    {
+        QFETCH(QStringList, arguments);
         CliProcess cli;
-        const CliRun run = cli.run({ QStringLiteral("format"), cli.path(QStringLiteral("none.fmt")),
-                                     cli.path(QStringLiteral("no/such/folder/out.fmt")) });
+        for (QString &argument : arguments) {
+            if (argument.startsWith(u'@'))
+                argument = cli.path(argument.mid(1));
+        }
+        const CliRun run = cli.run(arguments);
         QCOMPARE(run.exitCode, 1);
         QVERIFY(!run.err.isEmpty());
     }
 
+    // "{app}\\" and "{app}/" both name the program's folder; a missing picture gives the standard.
     void tabs_data()
     {
         QTest::addColumn<QByteArray>("format");
         QTest::addColumn<QString>("rows");
-        QTest::newRow("no block: two default rows") << crlf("scale 0.7\n") << "No tablature\nInstrument 1";
+        QTest::addColumn<QString>("blank");
+        QTest::newRow("no block: two default rows") << crlf("scale 0.7\n") << "No tablature\nInstrument 1"
+                                                    << "/img/blank_std.bmp";
         QTest::newRow("block with rows")
-            << crlf("%fenwk-begin\n%nbholes=6\n%<noTabs>\n%Whistle D\n%Flute G\n%fenwk-end\n%Not me\n")
-            << "No tablature\nWhistle D\nFlute G";
+            << crlf("%fenwk-begin\n%blk={app}\\img\\preview.bmp\n%<noTabs>\n%Whistle D\n%Flute G\n%fenwk-end\n%Not me\n")
+            << "No tablature\nWhistle D\nFlute G" << "/img/preview.bmp";
         QTest::newRow("unknown setting ignored, comment taken for a row, first character dropped blindly")
-            << crlf("%fenwk-begin\n%foo=1\n% a comment\nXWhistle\n%fenwk-end\n") << " a comment\nWhistle";
-        QTest::newRow("no end mark: read to the end") << crlf("x\n%fenwk-begin\n%<noTabs>\n%Pipe A\n")
-                                                      << "No tablature\nPipe A";
+            << crlf("%fenwk-begin\n%foo=1\n%blk={app}/img/preview.bmp\n% a comment\nXWhistle\n%fenwk-end\n")
+            << " a comment\nWhistle" << "/img/preview.bmp";
+        QTest::newRow("no end mark, missing picture") << crlf("x\n%fenwk-begin\n%blk={app}\\img\\whistle.bmp\n%<noTabs>\n%Pipe A\n")
+                                                      << "No tablature\nPipe A" << "/img/blank_std.bmp";
     }
     void tabs()
     {
         QFETCH(QByteArray, format);
         QFETCH(QString, rows);
+        QFETCH(QString, blank);
         CliProcess cli;
         const CliRun run = cli.run({ QStringLiteral("tabs"), cli.write(QStringLiteral("t.fmt"), format) });
         QCOMPARE(run.exitCode, 0);
-        const QStringList lines = QString::fromUtf8(run.out).split(u'\n', Qt::SkipEmptyParts);
-        QCOMPARE(lines.mid(0, lines.size() - 1).join(u'\n'), rows);
-        QVERIFY2(lines.last().startsWith(QStringLiteral("blank: /")) && lines.last().endsWith(QStringLiteral("blank_std.bmp")),
-                 qPrintable(lines.last()));
-    }
-
-    // "{app}\" and "{app}/" both name the program's folder; a missing picture gives the standard.
-    void tabsBlankPicture_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("ending");
-        QTest::newRow("backslash") << "%blk={app}\\img\\blank_std.bmp" << "/img/blank_std.bmp";
-        QTest::newRow("slash") << "%blk={app}/img/blank_std.bmp" << "/img/blank_std.bmp";
-        QTest::newRow("missing file") << "%blk={app}\\img\\whistle.bmp" << "/img/blank_std.bmp";
-    }
-    void tabsBlankPicture()
-    {
-        QFETCH(QString, line);
-        QFETCH(QString, ending);
-        CliProcess cli;
-        const QByteArray format = "%fenwk-begin\r\n" + line.toUtf8() + "\r\n%<noTabs>\r\n%fenwk-end\r\n";
-        const CliRun run = cli.run({ QStringLiteral("tabs"), cli.write(QStringLiteral("t.fmt"), format) });
-        QCOMPARE(run.exitCode, 0);
-        const QString last = QString::fromUtf8(run.out).trimmed().split(u'\n').last();
-        QVERIFY2(last.endsWith(ending) && !last.contains(QStringLiteral("{app}")) && !last.contains(u'\\'),
+        QStringList lines = QString::fromUtf8(run.out).split(u'\n', Qt::SkipEmptyParts);
+        const QString last = lines.takeLast();
+        QCOMPARE(lines.join(u'\n'), rows);
+        QVERIFY2(last.startsWith(QStringLiteral("blank: /")) && last.endsWith(blank) && !last.contains(u'{')
+                     && !last.contains(u'\\'),
                  qPrintable(last));
-    }
-
-    void tabsMissingFile()
-    {
-        CliProcess cli;
-        const CliRun run = cli.run({ QStringLiteral("tabs"), cli.path(QStringLiteral("none.fmt")) });
-        QCOMPARE(run.exitCode, 1);
-        QVERIFY(!run.err.isEmpty());
     }
 };
 

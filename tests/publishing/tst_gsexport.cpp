@@ -20,28 +20,12 @@ using namespace fenwork::test;
 
 namespace {
 
-// Answers the export dialog as a user would: OK with the given type, or Cancel.
-class ScriptedHost : public ExportDialogHost
+// Answers the export dialog with `answer` (an empty paper name is Cancel).
+struct ScriptedHost : ExportDialogHost
 {
-public:
-    bool accept = true;
-    QString extension = QStringLiteral("pdf");
-    bool addTabs = false;
-    int tabsRow = 0;
+    ExportDialogAnswer answer { QStringLiteral("a4"), QStringLiteral("pdf") };
     int calls = 0;
-    ExportDialogAnswer showExportDialog(const ExportDialogRequest &request) override
-    {
-        ++calls;
-        ExportDialogAnswer answer;
-        if (accept) {
-            answer.paperName = QStringLiteral("a4");
-            answer.extension = extension;
-            answer.resolution = request.resolution;
-            answer.addTabs = addTabs;
-            answer.tabsRow = tabsRow;
-        }
-        return answer;
-    }
+    ExportDialogAnswer showExportDialog(const ExportDialogRequest &) override { return ++calls, answer; }
 };
 
 // The pages of a PDF, counted by rendering each to a tiny picture.
@@ -65,11 +49,6 @@ int engraverPages(const QString &abc, const QString &folder)
     const QRegularExpressionMatch m
         = QRegularExpression(QStringLiteral("\\((\\d+) page")).match(QString::fromUtf8(engraver.readAllStandardOutput()));
     return m.hasMatch() ? m.captured(1).toInt() : -1;
-}
-
-QStringList cacheFiles(TestEnv &env)
-{
-    return QDir(env.app().tools().cacheFolder()).entryList(QDir::Files, QDir::Name);
 }
 
 } // namespace
@@ -176,13 +155,13 @@ private slots:
         TestEnv env;
         const QString kFile = openBook(env, QStringLiteral("t.abc"), tuneBook(1));
         ScriptedHost host;
-        host.accept = false;
+        host.answer = {};
         GsExporter exporter(env.app(), &host);
         QString ext = QStringLiteral("pdf"), target;
         int resolution = 0;
         QCOMPARE(exporter.ExportViaGs(kFile, ext, target, resolution), QString());
         QCOMPARE(host.calls, 1);
-        QCOMPARE(cacheFiles(env), QStringList { QStringLiteral("tmp_exp.abc") });
+        QCOMPARE(QDir(env.app().tools().cacheFolder()).entryList(QDir::Files), QStringList { QStringLiteral("tmp_exp.abc") });
         QCOMPARE(QDir(env.path(QString())).entryList(QDir::Files), QStringList { QStringLiteral("t.abc") });
     }
 
@@ -193,7 +172,7 @@ private slots:
         TestEnv env;
         const QString kFile = openBook(env, QStringLiteral("t.abc"), tuneBook(1));
         ScriptedHost host;
-        host.extension = QStringLiteral("png");
+        host.answer.extension = QStringLiteral("png");
         GsExporter exporter(env.app(), &host);
         const QString target = env.path(QStringLiteral("chosen/x.png"));
         QDir().mkpath(env.path(QStringLiteral("chosen")));
@@ -230,8 +209,8 @@ private slots:
                                           "tablature #1 pitch=D 0 0 40 tabhOne tabnOne tabbOne\r\n"
                                           "tablature #2 pitch=G 0 0 40 tabhTwo tabnTwo tabbTwo\r\n"));
         ScriptedHost host;
-        host.addTabs = true;
-        host.tabsRow = 2;
+        host.answer.addTabs = true;
+        host.answer.tabsRow = 2;
         GsExporter exporter(env.app(), &host);
         env.ui().pushFileName(env.path(QStringLiteral("t.pdf")));
         QString ext = QStringLiteral("pdf"), target;

@@ -5,6 +5,8 @@
 #include "frame/inifile.h"
 #include "frame/settings.h"
 #include "frame/toolrunner.h"
+#include "collections/choicelist.h"
+#include "publishing/exportcommon.h"
 #include "publishing/midiexport.h"
 
 #include <QTest>
@@ -82,8 +84,22 @@ private slots:
         QVERIFY(readBytes(target).startsWith("MThd"));
         QCOMPARE(QFileInfo(env.ui().shown.first().text).fileName(), QStringLiteral("Reel_ A_B.mid"));
         QVERIFY(readAll(env.app().tools().inCache(QStringLiteral("tmp_mid.abc"))).contains(QStringLiteral("X:5\r\nQ:140\r\n")));
-        // abc2midi's own words are kept in the log.
-        QVERIFY(readAll(env.app().tools().inCache(QStringLiteral("tmp_mid.log"))).contains(QStringLiteral("abc2midi")));
+    }
+
+    // The list's tunes are numbered from 1 in list order, whatever their X:.
+    void listNumbersFromOne()
+    {
+        TestEnv env;
+        const QString kFile = openBook(env, QStringLiteral("t.abc"), "X:7\r\nT:Seven\r\nK:G\r\nG|\r\n\r\nX:3\r\nT:Three\r\nK:G\r\nA|\r\n");
+        ChoiceList list;
+        list.add(tuneKeyAt(env, kFile, 1), QStringLiteral("Three"));
+        list.add(tuneKeyAt(env, kFile, 0), QStringLiteral("Seven"));
+        const QString text = choiceListText(env.app(), list);
+        QVERIFY2(text.indexOf(QStringLiteral("X:1\r\nT:Three")) >= 0 && text.indexOf(QStringLiteral("X:2\r\nT:Seven")) > 0, qPrintable(text));
+        MidiExporter exporter(env.app());
+        QString target = env.path(QStringLiteral("set.mid"));
+        QCOMPARE(exporter.ExportToMidi(text, target), QString());
+        QCOMPARE(exporter.written().size(), 2);
     }
 
     void missingTool()
