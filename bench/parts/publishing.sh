@@ -10,6 +10,9 @@ CLI="$BUILD/fenwork-cli"
 here=$(cd "$(dirname "$0")/../.." && pwd)
 books="${FENWORK_CORPUS_DIR:-$here/../shared/corpus}/nottingham"
 
+if [ -x "$BUILD/bench/publishing/bench_publishing" ]; then
+  "$BUILD/bench/publishing/bench_publishing"
+fi
 if [ ! -x "$CLI" ]; then
   echo "bench: $CLI is not built" >&2
   exit 1
