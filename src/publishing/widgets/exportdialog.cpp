@@ -185,7 +185,7 @@ QWidget *ExportDialog::buildPreview()
     m_zoom = new QSlider(Qt::Horizontal);
     m_zoom->setObjectName(QStringLiteral("sl_view"));
     m_zoom->setRange(20, 200);
-    m_zoom->setValue(60);
+    m_zoom->setValue(50);
     m_page = new QSpinBox;
     m_page->setObjectName(QStringLiteral("upd_page"));
     m_page->setRange(0, 0);
