@@ -1,4 +1,5 @@
 // fenwork-cli: the batch companion of Fennelworks, on the core alone.
+#include "cli/chordscommand.h"
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
 #include "cli/rendercommand.h"
@@ -65,6 +66,8 @@ int main(int argc, char **argv)
         return cli::tree(app, args);
     if (command == u"dupx")
         return cli::dupx(app, args);
+    if (command == u"chords")
+        return runChordsCommand(app, args);
     cli::writeErr(QStringLiteral("fenwork-cli: unknown command '") + command
         + QStringLiteral("'\nTry 'fenwork-cli --help'.\n"));
     return cli::Usage;
