@@ -8,6 +8,8 @@
 #include "tools/keybars.h"
 #include "tools/notetokens.h"
 
+#include <QHash>
+
 #include <exception>
 
 namespace fenwork {
@@ -81,6 +83,10 @@ bool pendingRepeatStart = false;
 
 DegreeTable degreeTable(const QString &keyName)
 {
+    // Every bar asks again for the same few keys.
+    static QHash<QString, DegreeTable> made;
+    if (const auto it = made.constFind(keyName); it != made.constEnd())
+        return *it;
     DegreeTable table;
     if (keyName.size() < 4)
         return table;
@@ -110,6 +116,7 @@ DegreeTable degreeTable(const QString &keyName)
         const bool plain = keyName == QLatin1String("D#dor") && k == 5;
         table.chords << name + (plain ? QString() : QLatin1String(mode->suffixes[k]));
     }
+    made.insert(keyName, table);
     return table;
 }
 
@@ -269,7 +276,7 @@ QString AddChords(const AppContext &app, const QString &text, bool twoPerBar, bo
         QStringList lines = text.split(CRLF);
         QString key = QStringLiteral("C"), meter = QStringLiteral("none"), unit = QStringLiteral("1/8");
         bool refused = false;
-        RegExp quoted;
+        static RegExp quoted;
         quoted.Global = true;
         quoted.Pattern = QStringLiteral("\".*?\"");
         for (QString &line : lines) {
