@@ -70,7 +70,13 @@ FileAnalysis::Result FileAnalysis::run(const QString &kFile, const std::function
                 QThread::msleep(200);
                 QFile::remove(output);
             }
-            tools.startCommand(command, 0);
+            QString why;
+            if (!tools.startCommand(command, 0, &why)) {
+                // An engraver that cannot start would make every tune look bad.
+                result.error = why;
+                m_stop = true;
+                break;
+            }
             const QString wait = tools.WaitForDispo(kOutput, waitLimit);
             if (wait.isEmpty())
                 good = true;
@@ -84,7 +90,7 @@ FileAnalysis::Result FileAnalysis::run(const QString &kFile, const std::function
         if (!good)
             result.badTunes.append(label);
     }
-    result.stopped = m_stop;
+    result.stopped = m_stop && result.error.isEmpty();
     QFile::remove(input);
     QFile::remove(output);
     if (progress)
