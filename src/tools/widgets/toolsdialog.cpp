@@ -217,7 +217,8 @@ QString ToolsDialog::fileKey()
 void ToolsDialog::lst_fich_Click()
 {
     // The backup belongs to the file it was made of.
-    showRestore(!m_backup.isEmpty() && m_files->currentText() == m_backup.memoName);
+    // By key: a rebuilt file's caption may read otherwise than when the backup was taken.
+    showRestore(!m_backup.isEmpty() && fileKey() == m_backup.memoKey);
 }
 
 void ToolsDialog::showRestore(bool shown)
