@@ -2,11 +2,20 @@
 #include "testmain.h"
 
 #include "testenv.h"
+#include "app/widgets/mainwindow.h"
+#include "editing/widgets/editcontroller.h"
+#include "app/widgets/mainmenus.h"
+#include "tools/widgets/toolsdialog.h"
 #include "tools/chords.h"
 #include "tools/keybars.h"
 #include "tools/notetokens.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QDir>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -256,6 +265,39 @@ private slots:
         QCOMPARE(env.ui().messages(),
                  warned ? QStringList{env.app().text(QStringLiteral("Tools"), QStringLiteral("<keyNotHdl>"))}
                         : QStringList());
+    }
+
+    // The chords button of the tune tools: two a bar into the edit panel; the warning about a
+    // key without chords is shown while the window stands aside, and the window comes back.
+    void toolsWindow()
+    {
+        test::TestEnv env;
+        qputenv("FENNELWORKS_AUDIO", "file:" + env.path(QStringLiteral("out.wav")).toUtf8());
+        std::unique_ptr<MainWindow> window = test::loadedMainWindow(env);
+        const QString kFile = window->openPath(
+            env.writeFile("t.abc", "X:1\nT:a\nK:G\n| G2 B2 c2 e2 |\n\nX:2\nT:b\nK:none\n\"G\"ABcd|\n"));
+        const auto chordsOn = [&](int tune, bool two) {
+            window->SimulerNodeClick(kFile + QStringLiteral("_tune") + QString::number(tune));
+            window->editController()->abcedit();
+            QApplication::processEvents();
+            window->menus()->action(QStringLiteral("mnu_fileTools1"))->trigger();
+            auto *dialog = window->findChild<ToolsDialog *>();
+            QVERIFY(dialog);
+            dialog->findChild<QRadioButton *>(QStringLiteral("opt_nbChords") + QString::number(two ? 1 : 0))->click();
+            dialog->findChild<QPushButton *>(QStringLiteral("bt_addChords"))->click();
+            QVERIFY(dialog->isVisible());
+        };
+        QPlainTextEdit *panel = window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"));
+        chordsOn(1, true);
+        QVERIFY2(panel->toPlainText().contains(QLatin1String("| \"G\" G2 B2 \"C\" c2 e2 |")), qPrintable(panel->toPlainText()));
+        QVERIFY(env.ui().messages().isEmpty());
+        window->editController()->validate();
+        QApplication::processEvents();
+        chordsOn(2, false);
+        QVERIFY2(!panel->toPlainText().contains(u'"'), qPrintable(panel->toPlainText()));
+        QCOMPARE(env.ui().messages(), QStringList{env.app().text(QStringLiteral("Tools"), QStringLiteral("<keyNotHdl>"))});
+        window.reset();
+        qunsetenv("FENNELWORKS_AUDIO");
     }
 
     // Real tunes: every note, bar line and field stays, whatever chords come.
