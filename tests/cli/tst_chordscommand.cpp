@@ -25,7 +25,6 @@ private slots:
         QTest::newRow("key without chords") << QStringList{"t.abc", "3"} << 0 << QByteArray("X:3\r\nT:(untitled)\r\nK:None\r\nA B c d|\r\n")
                                             << true;
         QTest::newRow("no such tune") << QStringList{"t.abc", "9"} << 1 << QByteArray() << false;
-        QTest::newRow("X missing") << QStringList{"t.abc"} << 2 << QByteArray() << false;
     }
     void chords()
     {
