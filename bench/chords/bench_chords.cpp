@@ -25,10 +25,11 @@ constexpr int kTunes = 1000;
 QStringList tunes(QString *origin)
 {
     QStringList out;
-    const QString corpus = qEnvironmentVariableIsSet("FENWORK_CORPUS_DIR") ? qEnvironmentVariable("FENWORK_CORPUS_DIR")
-                                                                           : QStringLiteral(FENWORK_CORPUS_DIR);
+    const QString corpus = qEnvironmentVariableIsSet("FENWORK_CORPUS_DIR")
+        ? qEnvironmentVariable("FENWORK_CORPUS_DIR")
+        : QStringLiteral(FENWORK_CORPUS_DIR);
     const QDir folder(corpus + QStringLiteral("/nottingham"));
-    for (const QString &name : folder.entryList({QStringLiteral("*.abc")})) {
+    for (const QString &name : folder.entryList({ QStringLiteral("*.abc") })) {
         QFile file(folder.filePath(name));
         if (!file.open(QIODevice::ReadOnly))
             continue;
@@ -63,15 +64,16 @@ int main(int argc, char **argv)
 
     QString origin;
     const QStringList all = tunes(&origin);
-    std::printf("Automatic chords (%lld tunes, %s)\n", static_cast<long long>(all.size()), qPrintable(origin));
-    for (bool two : {false, true}) {
+    std::printf(
+        "Automatic chords (%lld tunes, %s)\n", static_cast<long long>(all.size()), qPrintable(origin));
+    for (bool two : { false, true }) {
         QElapsedTimer timer;
         timer.start();
         qsizetype written = 0;
         for (const QString &tune : all)
             written += AddChords(app, tune, two, false).size();
-        std::printf("  %s : %8.1f ms for all (%lld characters written)\n",
-                    two ? "two a bar" : "one a bar", timer.nsecsElapsed() / 1e6, static_cast<long long>(written));
+        std::printf("  %s : %8.1f ms for all (%lld characters written)\n", two ? "two a bar" : "one a bar",
+            timer.nsecsElapsed() / 1e6, static_cast<long long>(written));
     }
     return 0;
 }

@@ -25,8 +25,7 @@ bool isNoteLetter(QChar c)
 }
 
 // Removes every match of `re` from `text` except those `keep` accepts.
-template<typename Keep>
-QString deleteMatches(RegExp &re, const QString &text, Keep keep)
+template <typename Keep> QString deleteMatches(RegExp &re, const QString &text, Keep keep)
 {
     QString out;
     out.reserve(text.size());
@@ -219,8 +218,14 @@ QString cleanLine(const QString &line, bool &pendingRepeatStart)
     w = trimBlanks(w);
     w = globalRegExp("\\| *?\\|", true).Replace(w, QStringLiteral("||"));
     static const char16_t *const replacements[][2] = {
-        {u"::", u":|:"}, {u":||:", u":|:"}, {u"[|", u"|"}, {u"|]", u"|"},
-        {u"||", u"|"},   {u"\\", u""},      {u"*", u""},   {u"-", u""},
+        { u"::", u":|:" },
+        { u":||:", u":|:" },
+        { u"[|", u"|" },
+        { u"|]", u"|" },
+        { u"||", u"|" },
+        { u"\\", u"" },
+        { u"*", u"" },
+        { u"-", u"" },
     };
     for (const auto &r : replacements)
         w = replaceAll(w, QStringView(r[0]), QStringView(r[1]));
@@ -275,13 +280,13 @@ QString ClassifyAbcLine(const QString &line, QString &key, QString &meter, QStri
     return QStringLiteral("mus");
 }
 
-QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QString &meter, bool withDegrees,
-                               bool &pendingRepeatStart)
+QVector<BarRecord> AnalyseBars(
+    const QString &line, const QString &key, const QString &meter, bool withDegrees, bool &pendingRepeatStart)
 {
     Q_UNUSED(withDegrees)
     const QString trimmed = trimBlanks(line);
     if (trimmed.isEmpty() || trimmed == QLatin1String("|"))
-        return {BarRecord()};
+        return { BarRecord() };
 
     const QStringList pieces = cleanLine(trimmed, pendingRepeatStart).split(QLatin1Char('|'));
 
@@ -292,8 +297,8 @@ QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QS
     const QString barKey = normaliseKey(key);
     const QString accidentals = keyAccidentals(keyNameOf(barKey));
 
-    static const char *const notePattern =
-        "~|\\[.*?\\]\\d?|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|\\(\\d|\\[H-Yh-y]\\d?|\\W";
+    static const char *const notePattern
+        = "~|\\[.*?\\]\\d?|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|\\(\\d|\\[H-Yh-y]\\d?|\\W";
     static const char *const pitchPattern = "~|\\[.*?\\]|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|[Zz]|\\W|\\d";
 
     QVector<BarRecord> bars;
@@ -383,7 +388,8 @@ QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QS
         bar.notesInKey = ApplyKeySignature(bar.notes, accidentals);
 
         const qsizetype star = bar.notes.indexOf(QLatin1Char('*'));
-        bar.midPos = middlePosition(line, bar.chordPos, trimBlanks(star < 0 ? QString() : bar.notes.left(star)));
+        bar.midPos
+            = middlePosition(line, bar.chordPos, trimBlanks(star < 0 ? QString() : bar.notes.left(star)));
 
         bar.pitches = TokeniseNotes(deleteMatches(globalRegExp(pitchPattern), text, [](const QString &v) {
             return v == QLatin1String(",") || v == QLatin1String("'") || v == QLatin1String("^")

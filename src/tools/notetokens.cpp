@@ -80,13 +80,13 @@ QString normaliseKey(const QString &keyValue)
         const char *mode;
     };
     static const Rule rules[] = {
-        {" *dor\\w*\\b", "dor"},
-        {" *mix\\w*\\b| *myx\\w*\\b", "mix"},
-        {" *phr\\w*\\b", "phr"},
-        {" *lyd\\w*\\b| *lid\\w*\\b", "lyd"},
-        {" *loc\\w*\\b", "loc"},
-        {" *maj\\w*\\b| *ion\\w*\\b", "maj"},
-        {" *min\\w*\\b| *aeo\\w*\\b| *m\\b", "min"},
+        { " *dor\\w*\\b", "dor" },
+        { " *mix\\w*\\b| *myx\\w*\\b", "mix" },
+        { " *phr\\w*\\b", "phr" },
+        { " *lyd\\w*\\b| *lid\\w*\\b", "lyd" },
+        { " *loc\\w*\\b", "loc" },
+        { " *maj\\w*\\b| *ion\\w*\\b", "maj" },
+        { " *min\\w*\\b| *aeo\\w*\\b| *m\\b", "min" },
     };
     // Only the first match of each pattern is rewritten: "A dor clef=alto" keeps its tail.
     static RegExp blanks, modeRes[std::size(rules)];
@@ -103,7 +103,8 @@ QString normaliseKey(const QString &keyValue)
         key = modeRes[i].Replace(key, QLatin1String(rules[i].mode));
     key += QLatin1Char(' ');
     // A tonic standing alone ("G ", "Bb ") is major.
-    if ((key.size() > 1 && key.at(1) == QLatin1Char(' ')) || (key.size() > 2 && key.at(2) == QLatin1Char(' ')))
+    if ((key.size() > 1 && key.at(1) == QLatin1Char(' '))
+        || (key.size() > 2 && key.at(2) == QLatin1Char(' ')))
         key.replace(key.indexOf(QLatin1Char(' ')), 1, QStringLiteral("maj "));
     key = trimBlanks(key);
     if (known.size() < 1000)
@@ -123,21 +124,21 @@ QString keyAccidentals(const QString &keyName, bool *known)
     static const QHash<QString, QString> table = [] {
         // Each row: the altered letters, then the key names with that signature.
         static const char *const rows[][8] = {
-            {"FCGDAEB", "C#maj", "A#min", "G#mix", "D#dor", "E#phr", "F#lyd", "B#loc"},
-            {"FCGDAE", "F#maj", "D#min", "C#mix", "G#dor", "A#phr", "Blyd", "E#loc"},
-            {"FCGDA", "Bmaj", "G#min", "F#mix", "C#dor", "D#phr", "Elyd", "A#loc"},
-            {"FCGD", "Emaj", "C#min", "Bmix", "F#dor", "G#phr", "Alyd", "D#loc"},
-            {"FCG", "Amaj", "F#min", "Emix", "Bdor", "C#phr", "Dlyd", "G#loc"},
-            {"FC", "Dmaj", "Bmin", "Amix", "Edor", "F#phr", "Glyd", "C#loc"},
-            {"F", "Gmaj", "Emin", "Dmix", "Ador", "Bphr", "Clyd", "F#loc"},
-            {"", "Cmaj", "Amin", "Gmix", "Ddor", "Ephr", "Flyd", "Bloc"},
-            {"B", "Fmaj", "Dmin", "Cmix", "Gdor", "Aphr", "Bblyd", "Eloc"},
-            {"BE", "Bbmaj", "Gmin", "Fmix", "Cdor", "Dphr", "Eblyd", "Aloc"},
-            {"BEA", "Ebmaj", "Cmin", "Bbmix", "Fdor", "Gphr", "Ablyd", "Dloc"},
-            {"BEAD", "Abmaj", "Fmin", "Ebmix", "Bbdor", "Cphr", "Dblyd", "Gloc"},
-            {"BEADG", "Dbmaj", "Bbmin", "Abmix", "Ebdor", "Fphr", "Gblyd", "Cloc"},
-            {"BEADGC", "Gbmaj", "Ebmin", "Dbmix", "Abdor", "Bbphr", "Cblyd", "Floc"},
-            {"BEADGCF", "Cbmaj", "Abmin", "Gbmix", "Dbdor", "Ebphr", "Fblyd", "Bbloc"},
+            { "FCGDAEB", "C#maj", "A#min", "G#mix", "D#dor", "E#phr", "F#lyd", "B#loc" },
+            { "FCGDAE", "F#maj", "D#min", "C#mix", "G#dor", "A#phr", "Blyd", "E#loc" },
+            { "FCGDA", "Bmaj", "G#min", "F#mix", "C#dor", "D#phr", "Elyd", "A#loc" },
+            { "FCGD", "Emaj", "C#min", "Bmix", "F#dor", "G#phr", "Alyd", "D#loc" },
+            { "FCG", "Amaj", "F#min", "Emix", "Bdor", "C#phr", "Dlyd", "G#loc" },
+            { "FC", "Dmaj", "Bmin", "Amix", "Edor", "F#phr", "Glyd", "C#loc" },
+            { "F", "Gmaj", "Emin", "Dmix", "Ador", "Bphr", "Clyd", "F#loc" },
+            { "", "Cmaj", "Amin", "Gmix", "Ddor", "Ephr", "Flyd", "Bloc" },
+            { "B", "Fmaj", "Dmin", "Cmix", "Gdor", "Aphr", "Bblyd", "Eloc" },
+            { "BE", "Bbmaj", "Gmin", "Fmix", "Cdor", "Dphr", "Eblyd", "Aloc" },
+            { "BEA", "Ebmaj", "Cmin", "Bbmix", "Fdor", "Gphr", "Ablyd", "Dloc" },
+            { "BEAD", "Abmaj", "Fmin", "Ebmix", "Bbdor", "Cphr", "Dblyd", "Gloc" },
+            { "BEADG", "Dbmaj", "Bbmin", "Abmix", "Ebdor", "Fphr", "Gblyd", "Cloc" },
+            { "BEADGC", "Gbmaj", "Ebmin", "Dbmix", "Abdor", "Bbphr", "Cblyd", "Floc" },
+            { "BEADGCF", "Cbmaj", "Abmin", "Gbmix", "Dbdor", "Ebphr", "Fblyd", "Bbloc" },
         };
         QHash<QString, QString> byName;
         for (const auto &row : rows)
