@@ -332,6 +332,8 @@ QVector<BarRecord> AnalyseBars(
             const int from = bars.at(i - 1).chordPos;
             int pos = int(line.indexOf(QLatin1Char('|'), from - 1)) + 1;
             const int colon = int(line.indexOf(QLatin1Char(':'), from - 1)) + 1;
+            // A "::" makes two bars of the copy with no "|" between them in the line: its colon
+            // stands for the bar line; with neither left, the chord goes at the line's end.
             if (colon > 0 && (colon < pos || pos == 0))
                 pos = colon;
             if (pos == 0)
