@@ -1,5 +1,6 @@
 #include "cli/clicommands.h"
 
+#include "cli/chordscommand.h"
 #include "cli/findcommand.h"
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
@@ -78,6 +79,7 @@ QString helpText()
                "                      the number of such tunes on the last line.\n"
                "  find IN ...         Print the captions of the tunes of IN that pass the tune filter\n"
                "                      (see below).\n"
+               "  chords IN X [--two] Print tune X of IN with a chord in front of every bar (see below).\n"
                "  help, --help, -h    Print this text.\n"
                "\n"
                "Only normalize writes IN.BAK; the other commands leave IN and its backup as they are.\n"
@@ -86,7 +88,7 @@ QString helpText()
                "\n"
                "Exit status: 0 done, 1 a file could not be read or written (or the program's fatal\n"
                "\"kFile is empty\" state), 2 wrong command line.\n")
-        + u'\n' + findCommandHelp();
+        + u'\n' + findCommandHelp() + u'\n' + chordsCommandHelp();
 }
 
 int normalize(AppContext &app, const QStringList &args)

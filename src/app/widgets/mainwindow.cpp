@@ -384,6 +384,7 @@ void MainWindow::connectCommands()
     }
     m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
     connectPublishCommands();
+    connectToolsCommands();
 }
 
 void MainWindow::NodeClick(const QString &key)

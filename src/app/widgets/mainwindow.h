@@ -81,6 +81,7 @@ private:
     void buildPanels();
     void connectCommands();
     void connectPublishCommands();
+    void connectToolsCommands();
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 
