@@ -1,6 +1,7 @@
 // fenwork-cli: the batch companion of Fennelworks, on the core alone.
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
+#include "cli/listcommand.h"
 #include "cli/rendercommand.h"
 
 #include "frame/appcontext.h"
@@ -21,12 +22,12 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("fenwork-cli"));
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty()) {
-        cli::writeErr(cli::helpText() + u'\n' + renderCommandHelp());
+        cli::writeErr(cli::helpText() + u'\n' + renderCommandHelp() + u'\n' + listCommandHelp());
         return cli::Usage;
     }
     const QString command = args.takeFirst();
     if (command == u"help" || command == u"--help" || command == u"-h") {
-        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp());
+        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp() + u'\n' + listCommandHelp());
         return cli::Ok;
     }
 
@@ -65,6 +66,10 @@ int main(int argc, char **argv)
         return cli::tree(app, args);
     if (command == u"dupx")
         return cli::dupx(app, args);
+    if (command == u"list2abc")
+        return runList2AbcCommand(app, args);
+    if (command == u"set")
+        return runSetCommand(app, args);
     cli::writeErr(QStringLiteral("fenwork-cli: unknown command '") + command
         + QStringLiteral("'\nTry 'fenwork-cli --help'.\n"));
     return cli::Usage;

@@ -80,6 +80,7 @@ protected:
 private:
     void buildPanels();
     void connectCommands();
+    void connectListCommands();
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 
