@@ -165,7 +165,10 @@ ChoiceListPanel::ChoiceListPanel(ChoiceList &list, QWidget *parent)
     m_view->setExpandsOnDoubleClick(false);
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_view->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    // A fixed column for the repetitions (three digits at most): measuring it to its contents
+    // would visit thousands of rows at every change of a long list.
+    m_view->header()->setSectionResizeMode(1, QHeaderView::Fixed);
+    m_view->header()->resizeSection(1, m_view->fontMetrics().horizontalAdvance(QStringLiteral("0000")) + 8);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     m_bar->setContextMenuPolicy(Qt::CustomContextMenu);
     const auto keyOf = [](const QModelIndex &index) { return index.data(ChoiceListModel::KeyRole).toString(); };
