@@ -7,8 +7,10 @@
 #include "collections/choicesets.h"
 #include "collections/listtoabc.h"
 #include "frame/inifile.h"
+#include "frame/selection.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
+#include "store/node.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
@@ -115,6 +117,30 @@ private slots:
         QVERIFY2(lines.at(2).startsWith(u"P:(A)") && lines.at(2).endsWith(orderEnd), qPrintable(lines.at(2)));
         QVERIFY(w.env.app().tree().find(kNew)->Text.endsWith(QStringLiteral("] ") + title));
         QCOMPARE(w.list.count(), tuneCount); // the list is left as it was
+    }
+
+    // An empty set: in the current file, titled, the file flagged as changed; none without a file.
+    void emptySet_data()
+    {
+        QTest::addColumn<bool>("withFile");
+        QTest::newRow("current file") << true;
+        QTest::newRow("no file") << false;
+    }
+    void emptySet()
+    {
+        QFETCH(bool, withFile);
+        Workspace w;
+        AppContext &app = w.env.app();
+        app.selection().set(QString(), withFile ? w.kFile : QString());
+        const QString kNew = createNewSet(app);
+        QCOMPARE(kNew.isEmpty(), !withFile);
+        QCOMPARE(w.env.ui().messages(), withFile ? QStringList() : QStringList { w.msg("<selectFile>") });
+        if (!withFile)
+            return;
+        QCOMPARE(w.tuneKeys(w.kFile).size(), 4);
+        QVERIFY(app.tree().find(w.kFile)->Image == Pic::FileAbcM);
+        QVERIFY(app.store().GetStringTune(kNew, false, 0).contains(
+            QStringLiteral("\r\nT:") + app.text(QStringLiteral("MainForm"), QStringLiteral("<setTune>")) + CRLF));
     }
 
     // The whole file after a set of its two tunes, the second played twice, in both forms.
