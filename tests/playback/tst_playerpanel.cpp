@@ -10,7 +10,6 @@
 #include "frame/strutil.h"
 #include "playback/midiout.h"
 #include "playback/midiplayer.h"
-#include "playback/playsequence.h"
 #include "playback/synthengine.h"
 #include "playback/wavfile.h"
 #include "playback/widgets/mixerpanel.h"
@@ -315,40 +314,6 @@ private slots:
         QCOMPARE(rig.shown.mid(0, order.size()), order);
         QVERIFY(!rig.get<QToolButton>("chk_Loop")->isChecked());
         QVERIFY(rig.stoppedState());
-    }
-
-    // The list plays an item its number of times, then the next after the pause; Stop in the
-    // middle ends the run. Two seconds of the first tune, one of the second.
-    void choiceList_data()
-    {
-        QTest::addColumn<bool>("stopAtSecond");
-        QTest::addColumn<double>("seconds");
-        QTest::newRow("twice, then once") << false << 2 * 2.0 + PlaySequence::kPauseMs / 1000.0 + 1.0;
-        QTest::newRow("stopped at the second") << true << 2 * 2.0;
-    }
-    void choiceList()
-    {
-        QFETCH(bool, stopAtSecond);
-        QFETCH(double, seconds);
-        const char *fields = "M:4/4\r\nL:1/4\r\nQ:1/4=240\r\n";
-        Rig rig(tune(1, "First", "C D E F|G A B c|]", fields) + "\r\n" + tune(2, "Second", "c B A G|]", fields));
-        rig.open();
-        rig.choiceList.add(rig.tunes.at(0), QStringLiteral("First"));
-        rig.choiceList.setRepetitions(0, 2);
-        rig.choiceList.add(rig.tunes.at(1), QStringLiteral("Second"));
-        rig.shown.clear();
-        QTimer watch;
-        QObject::connect(&watch, &QTimer::timeout, [&] {
-            if (stopAtSecond && rig.shown.size() >= 2)
-                rig.panel->pressStop();
-        });
-        watch.start(20);
-        rig.panel->bt_playLst_Click();
-        QVERIFY(rig.waitStopped());
-        QCOMPARE(rig.shown.mid(0, 2), QList<int>({ 0, 1 }));
-        const Sound sound = rig.finish();
-        const double length = sound.soundEnd() - sound.soundStart();
-        QVERIFY2(qAbs(length - seconds) < 1.0, qPrintable(QString::number(length)));
     }
 };
 
