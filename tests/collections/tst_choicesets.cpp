@@ -5,6 +5,9 @@
 #include "collections/choicefile.h"
 #include "collections/choicelist.h"
 #include "collections/choicesets.h"
+#include "collections/listtoabc.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
 #include "frame/strutil.h"
 #include "store/treeops.h"
 #include "store/tunestore.h"
@@ -89,6 +92,38 @@ private slots:
         QCOMPARE(lines.at(1), QStringLiteral("T:") + title);
         QVERIFY2(lines.at(2).startsWith(u"P:(A)1") && lines.at(2).endsWith(orderEnd), qPrintable(lines.at(2)));
         QVERIFY(app.tree().find(kNew)->Text.endsWith(QStringLiteral("] ") + title));
+    }
+
+    // The list's file: its tunes numbered from 1 in list order, escaped when asked, after the
+    // header lines unless they are off; an open file is refused; Yes opens the new one.
+    void listFile_data()
+    {
+        QTest::addColumn<QString>("escapes");
+        QTest::addColumn<QString>("noHeader");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("plain") << "0" << "0" << "%abc\r\n@\r\n\r\nX:1\r\nT:R\u00e9\r\nK:D\r\n\r\nX:2\r\nT:Tune 1\r\nK:D\r\n|:abc:|\r\n\r\n";
+        QTest::newRow("escaped, no header") << "1" << "1" << "X:1\r\nT:R\\'e\r\nK:D\r\n\r\nX:2\r\nT:Tune 1\r\nK:D\r\n|:abc:|\r\n\r\n";
+    }
+    void listFile()
+    {
+        QFETCH(QString, escapes);
+        QFETCH(QString, noHeader);
+        QFETCH(QString, expected);
+        Workspace w(tunes(1) + "X:7\nT:R\xc3\xa9\nK:D\n");
+        AppContext &app = w.env.app();
+        app.ini().set(keys::ABCstr, escapes);
+        app.ini().set(keys::NoSaveHdrFile, noHeader);
+        for (const QString &key : w.tuneKeys(w.kFile))
+            w.list.add(key, QString());
+        w.list.move(1, 0);
+        w.env.ui().pushFileName(GetPathFile(app, w.kFile));
+        QVERIFY(mnu_lstToAbc(app, w.list).isEmpty());
+        const QString target = w.env.path(QStringLiteral("list.abc"));
+        w.env.ui().pushFileName(target);
+        w.env.ui().pushAnswer(UserDialogs::Answer::Yes);
+        QCOMPARE(mnu_lstToAbc(app, w.list), target);
+        QCOMPARE(QString::fromUtf8(readBytes(target)).replace(app.creatorLine, QStringLiteral("@")), expected);
+        QCOMPARE(GetPathFile(app, app.tree().root()->children().last()->Key), target);
     }
 
     // The list comes back from its file by path and number, whatever the order of the files; a
