@@ -41,7 +41,8 @@ QString tunes(int count)
 {
     QString text;
     for (int i = 1; i <= count; ++i)
-        text += QStringLiteral("X:%1\nT:%2 %1\nR:reel\nM:4/4\nL:1/8\nK:D\n|:DFAF dFAF|GBdB AFEF:|\n|:fdfa gefg|fdec d2 d2:|\n\n")
+        text += QStringLiteral(
+            "X:%1\nT:%2 %1\nR:reel\nM:4/4\nL:1/8\nK:D\n|:DFAF dFAF|GBdB AFEF:|\n|:fdfa gefg|fdec d2 d2:|\n\n")
                     .arg(i)
                     .arg(i % 7 ? QStringLiteral("Reel") : QStringLiteral("Réel"));
     return text;
@@ -99,15 +100,16 @@ void fillAndPrune()
     filter.search(all, FilterDomain::AllTunes, FilterResults::ReplaceList);
     QApplication::processEvents();
     const double filling = ms(clock);
-    std::printf("list: filter of 10,000 tunes %.1f ms, with the list filled %.1f ms (%d items): %.1f ms more\n",
+    std::printf(
+        "list: filter of 10,000 tunes %.1f ms, with the list filled %.1f ms (%d items): %.1f ms more\n",
         alone, filling, window.choiceList().count(), filling - alone);
 
     b.app->tree().remove(b.app->tree().find(kFile));
     clock.restart();
     window.EpurerListeChoix();
     QApplication::processEvents();
-    std::printf("list: EpurerListeChoix after closing the file of 10,000 tunes %.1f ms (%d left)\n", ms(clock),
-        window.choiceList().count());
+    std::printf("list: EpurerListeChoix after closing the file of 10,000 tunes %.1f ms (%d left)\n",
+        ms(clock), window.choiceList().count());
     window.choiceList().clear();
 }
 
@@ -126,7 +128,8 @@ void listFiles()
             clock.start();
             const QString text = listAbcFile(*b.app, listAbcBody(*b.app, list, escapes));
             writeTextFile(b.root.filePath(QStringLiteral("list.abc")), text, TextEncoding::Utf8);
-            std::printf("list: mnu_lstToAbc of %d tunes%s %.0f ms\n", count, escapes ? ", escapes" : "", ms(clock));
+            std::printf(
+                "list: mnu_lstToAbc of %d tunes%s %.0f ms\n", count, escapes ? ", escapes" : "", ms(clock));
         }
     }
 }

@@ -32,7 +32,7 @@ struct TuneRef
 {
     QString file;
     QString number; // FILE:X
-    int place = 0;  // FILE#N
+    int place = 0; // FILE#N
     int repetitions = 1;
 };
 
@@ -70,7 +70,11 @@ bool parseRef(const QString &argument, TuneRef &ref)
 class RefList
 {
 public:
-    explicit RefList(AppContext &app) : m_app(app) { app.store().backupOnOpen = false; }
+    explicit RefList(AppContext &app)
+        : m_app(app)
+    {
+        app.store().backupOnOpen = false;
+    }
 
     QString open(const QString &argument)
     {
@@ -129,8 +133,9 @@ int gatherRefs(const QString &command, const QStringList &arguments, RefList &re
     for (const QString &argument : arguments) {
         TuneRef ref;
         if (!parseRef(argument, ref))
-            return usage(command, QStringLiteral("'%1' is no FILE:X or FILE#N, with an optional @R from 1 to 999")
-                                      .arg(argument));
+            return usage(command,
+                QStringLiteral("'%1' is no FILE:X or FILE#N, with an optional @R from 1 to 999")
+                    .arg(argument));
         parsed.append({ ref, argument });
     }
     for (const auto &[ref, argument] : parsed)
@@ -179,7 +184,8 @@ int runList2AbcCommand(AppContext &app, const QStringList &args)
         return cli::Failed;
     QString why;
     if (!writeTextFile(path, text, TextEncoding::Utf8, &why)) {
-        cli::writeErr(QStringLiteral("fenwork-cli: cannot write ") + path + QStringLiteral(": ") + why + u'\n');
+        cli::writeErr(
+            QStringLiteral("fenwork-cli: cannot write ") + path + QStringLiteral(": ") + why + u'\n');
         return cli::Failed;
     }
     return cli::Ok;
@@ -205,7 +211,8 @@ int runSetCommand(AppContext &app, const QStringList &args)
     const QString out = QFileInfo(args.at(1)).absoluteFilePath();
     QString why;
     if (!app.store().FichierSaveFromKey(kTarget, out, QString(), &why)) {
-        cli::writeErr(QStringLiteral("fenwork-cli: cannot write ") + out + QStringLiteral(": ") + why + u'\n');
+        cli::writeErr(
+            QStringLiteral("fenwork-cli: cannot write ") + out + QStringLiteral(": ") + why + u'\n');
         return cli::Failed;
     }
     cli::writeOut(tune->Text + u'\n');

@@ -37,7 +37,8 @@ QVector<ListedTune> listedTunes(const TuneStore &store, const WorkspaceTree &tre
         if (!tree.contains(item.key))
             continue;
         ++n;
-        tunes.append({ item.key, item.caption, n, item.repetitions, store.GetStringTune(item.key, false, n) });
+        tunes.append(
+            { item.key, item.caption, n, item.repetitions, store.GetStringTune(item.key, false, n) });
     }
     return tunes;
 }
@@ -65,11 +66,12 @@ QString mnu_lstToAbc(AppContext &app, const ChoiceList &list)
     const QString body = listAbcBody(app, list, app.ini().get(keys::ABCstr) == u"1");
 
     const QString folder = app.ini().get(keys::DirDef);
-    const QString start = uniqueName(QStringLiteral("NewAbcFile"), QStringLiteral("abc"), folder)
-        + QStringLiteral(".abc");
-    const QString chosen = ui.saveFileName(msg(app, "<saveABCas>"),
-        folder.isEmpty() ? start : QDir(folder).filePath(start),
-        { msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"), msg(app, "<textFile>") + QStringLiteral(" (*.txt)") });
+    const QString start
+        = uniqueName(QStringLiteral("NewAbcFile"), QStringLiteral("abc"), folder) + QStringLiteral(".abc");
+    const QString chosen
+        = ui.saveFileName(msg(app, "<saveABCas>"), folder.isEmpty() ? start : QDir(folder).filePath(start),
+            { msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
+                msg(app, "<textFile>") + QStringLiteral(" (*.txt)") });
     if (chosen.isEmpty())
         return {};
     const QString path = QFileInfo(chosen).absoluteFilePath();

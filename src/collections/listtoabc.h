@@ -15,9 +15,9 @@ struct ListedTune
 {
     QString key;
     QString caption; // the list's text of the tune
-    int number = 0;  // its X: in the list's file, from 1
+    int number = 0; // its X: in the list's file, from 1
     int repetitions = 1;
-    QString text;    // the tune with that number, CR LF line ends
+    QString text; // the tune with that number, CR LF line ends
 };
 
 // The tunes of `keys` (list order) still in the tree, each numbered; gone ones are passed over.

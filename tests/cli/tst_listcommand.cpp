@@ -12,7 +12,8 @@ namespace {
 
 using Cli = test::CliProcess;
 
-const QByteArray kTunes = "X:7\nT:Seven\nK:D\n|:abc:|\n\nX:3\nT:Three\nK:G\n|:def:|\n\nX:3\nT:Other three\nK:A\nfed|\n";
+const QByteArray kTunes
+    = "X:7\nT:Seven\nK:D\n|:abc:|\n\nX:3\nT:Three\nK:G\n|:def:|\n\nX:3\nT:Other three\nK:A\nfed|\n";
 
 } // namespace
 
@@ -31,19 +32,29 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QString>("out");  // what standard output holds
-        QTest::addColumn<QString>("err");  // what standard error holds
+        QTest::addColumn<QString>("out"); // what standard output holds
+        QTest::addColumn<QString>("err"); // what standard error holds
         QTest::newRow("list in the order given, numbered from 1")
-            << QStringList { "list2abc", "-", "@#3", "@:7@2", "@#1" } << 0 << "X:1\r\nT:Other three\r\nK:A\r\nfed|\r\n\r\nX:2\r\nT:Seven" << "";
+            << QStringList { "list2abc", "-", "@#3", "@:7@2", "@#1" } << 0
+            << "X:1\r\nT:Other three\r\nK:A\r\nfed|\r\n\r\nX:2\r\nT:Seven"
+            << "";
         QTest::newRow("X: finds the first tune of that number")
-            << QStringList { "list2abc", "-", "@:3" } << 0 << "X:1\r\nT:Three\r\n" << "";
-        QTest::newRow("OUT is one of the files") << QStringList { "list2abc", "@", "@#1" } << 1 << "" << "t.abc";
-        QTest::newRow("no such tune") << QStringList { "list2abc", "-", "@:9" } << 1 << "" << "no tune";
-        QTest::newRow("no reference") << QStringList { "list2abc", "-", "@" } << 2 << "" << "FILE:X";
-        QTest::newRow("repetitions 0") << QStringList { "list2abc", "-", "@#1@0" } << 2 << "" << "FILE:X";
-        QTest::newRow("a set, its caption") << QStringList { "set", "@", "!", "@#1@2", "@#3" } << 0
-                                            << "[4] Set of tunes\n" << "repeat";
-        QTest::newRow("a set of one tune named twice") << QStringList { "set", "@", "!", "@#1", "@:7" } << 2 << "" << "two";
+            << QStringList { "list2abc", "-", "@:3" } << 0 << "X:1\r\nT:Three\r\n"
+            << "";
+        QTest::newRow("OUT is one of the files") << QStringList { "list2abc", "@", "@#1" } << 1 << ""
+                                                 << "t.abc";
+        QTest::newRow("no such tune") << QStringList { "list2abc", "-", "@:9" } << 1 << ""
+                                      << "no tune";
+        QTest::newRow("no reference") << QStringList { "list2abc", "-", "@" } << 2 << ""
+                                      << "FILE:X";
+        QTest::newRow("repetitions 0") << QStringList { "list2abc", "-", "@#1@0" } << 2 << ""
+                                       << "FILE:X";
+        QTest::newRow("a set, its caption")
+            << QStringList { "set", "@", "!", "@#1@2", "@#3" } << 0 << "[4] Set of tunes\n"
+            << "repeat";
+        QTest::newRow("a set of one tune named twice")
+            << QStringList { "set", "@", "!", "@#1", "@:7" } << 2 << ""
+            << "two";
     }
     void commands()
     {

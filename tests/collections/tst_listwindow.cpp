@@ -30,7 +30,8 @@ struct Window
     {
         window = test::loadedMainWindow(env);
         env.ui().pushFileName(env.writeFile(QStringLiteral("a.abc"),
-            "%%abc-alias A\nX:1\nT:First\nK:G\nabc|\n\nX:2\nT:Second\nK:D\ndef|\n\nX:3\nT:Third\nK:A\nABC|\n"));
+            "%%abc-alias "
+            "A\nX:1\nT:First\nK:G\nabc|\n\nX:2\nT:Second\nK:D\ndef|\n\nX:3\nT:Third\nK:A\nABC|\n"));
         trigger("mnu_openFile");
         kFile = env.app().selection().fileKey();
         for (int n = 1; n <= 3; ++n) {
@@ -89,7 +90,8 @@ private slots:
         w.drop("application/x-fennelworks-listrow", "0", 2);
         QCOMPARE(w.list().keys(), w.tunes({ 2, 3, 1 }));
         w.window->SimulerNodeClick(w.kFile);
-        QTest::mouseClick(w.view()->viewport(), Qt::LeftButton, {}, w.view()->visualRect(w.view()->model()->index(2, 0)).center());
+        QTest::mouseClick(w.view()->viewport(), Qt::LeftButton, {},
+            w.view()->visualRect(w.view()->model()->index(2, 0)).center());
         QCOMPARE(w.env.app().selection().tuneKey(), w.tune(1));
         QVERIFY(w.window->menus()->isMenuEnabled(QStringLiteral("mnu_lst")));
 

@@ -72,8 +72,8 @@ void MainWindow::connectListCommands()
         if (auto *dialogs = dynamic_cast<WidgetDialogs *>(&app.ui()))
             dialogs->setNextInputNear(panel->view());
         const QString typed = app.ui().inputText(
-            app.text(QStringLiteral("Msg"), QStringLiteral("<nbRepTune>")) + CRLF + CRLF + item.caption, QString(),
-            QString::number(item.repetitions));
+            app.text(QStringLiteral("Msg"), QStringLiteral("<nbRepTune>")) + CRLF + CRLF + item.caption,
+            QString(), QString::number(item.repetitions));
         if (const int repetitions = repetitionsFromText(typed); repetitions > 0)
             list.setRepetitions(row, repetitions);
     });
@@ -89,7 +89,8 @@ void MainWindow::connectListCommands()
         if (!tool || !command)
             continue;
         tool->setEnabled(command->isEnabled());
-        connect(command, &QAction::changed, tool, [tool, command] { tool->setEnabled(command->isEnabled()); });
+        connect(
+            command, &QAction::changed, tool, [tool, command] { tool->setEnabled(command->isEnabled()); });
         connect(tool, &QAction::triggered, command, &QAction::trigger);
     }
 
@@ -114,9 +115,11 @@ void MainWindow::connectListCommands()
             tr_ABC_DblClick();
     });
     connect(panel, &ChoiceListPanel::tuneDropped, this, addToList);
-    connect(panel, &ChoiceListPanel::filesDropped, this, [this](const QStringList &paths) { openFiles(paths, false); });
+    connect(panel, &ChoiceListPanel::filesDropped, this,
+        [this](const QStringList &paths) { openFiles(paths, false); });
     connect(panel, &ChoiceListPanel::deleteRequested, this, [this] {
-        if (QAction *remove = m_menus->action(QStringLiteral("mnu_lstSupTune")); remove && remove->isEnabled())
+        if (QAction *remove = m_menus->action(QStringLiteral("mnu_lstSupTune"));
+            remove && remove->isEnabled())
             remove->trigger();
     });
     connect(panel, &ChoiceListPanel::contextMenuRequested, this, [this](const QPoint &at) {

@@ -58,7 +58,9 @@ QStringList localFiles(const QMimeData *mime)
 class ChoiceListView : public QTreeView
 {
 public:
-    ChoiceListView(ChoiceList &list, ChoiceListPanel *panel) : m_list(list), m_panel(panel)
+    ChoiceListView(ChoiceList &list, ChoiceListPanel *panel)
+        : m_list(list)
+        , m_panel(panel)
     {
         setAcceptDrops(true);
         viewport()->setAcceptDrops(true);
@@ -75,7 +77,8 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override
     {
         if (m_pressRow < 0 || !(event->buttons() & Qt::LeftButton)
-            || (event->position().toPoint() - m_pressAt).manhattanLength() < QApplication::startDragDistance()) {
+            || (event->position().toPoint() - m_pressAt).manhattanLength()
+                < QApplication::startDragDistance()) {
             QTreeView::mouseMoveEvent(event);
             return;
         }
@@ -94,10 +97,7 @@ protected:
         else
             event->ignore();
     }
-    void dragMoveEvent(QDragMoveEvent *event) override
-    {
-        event->acceptProposedAction();
-    }
+    void dragMoveEvent(QDragMoveEvent *event) override { event->acceptProposedAction(); }
     void dropEvent(QDropEvent *event) override
     {
         const QMimeData *mime = event->mimeData();
@@ -171,16 +171,14 @@ ChoiceListPanel::ChoiceListPanel(ChoiceList &list, QWidget *parent)
     m_view->header()->resizeSection(1, m_view->fontMetrics().horizontalAdvance(QStringLiteral("0000")) + 8);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     m_bar->setContextMenuPolicy(Qt::CustomContextMenu);
-    const auto keyOf = [](const QModelIndex &index) { return index.data(ChoiceListModel::KeyRole).toString(); };
-    connect(m_view, &QTreeView::activated, this, [this, keyOf](const QModelIndex &index) {
-        emit itemActivated(keyOf(index));
-    });
-    connect(m_view, &QTreeView::clicked, this, [this, keyOf](const QModelIndex &index) {
-        emit itemActivated(keyOf(index));
-    });
-    connect(m_view, &QTreeView::doubleClicked, this, [this, keyOf](const QModelIndex &index) {
-        emit itemDoubleClicked(keyOf(index));
-    });
+    const auto keyOf
+        = [](const QModelIndex &index) { return index.data(ChoiceListModel::KeyRole).toString(); };
+    connect(m_view, &QTreeView::activated, this,
+        [this, keyOf](const QModelIndex &index) { emit itemActivated(keyOf(index)); });
+    connect(m_view, &QTreeView::clicked, this,
+        [this, keyOf](const QModelIndex &index) { emit itemActivated(keyOf(index)); });
+    connect(m_view, &QTreeView::doubleClicked, this,
+        [this, keyOf](const QModelIndex &index) { emit itemDoubleClicked(keyOf(index)); });
     connect(m_view, &QWidget::customContextMenuRequested, this, [this](const QPoint &at) {
         // The item under the pointer is the one the commands will work on.
         const QModelIndex index = m_view->indexAt(at);
@@ -247,7 +245,8 @@ int ChoiceListPanel::currentRow() const
 
 void ChoiceListPanel::CompterTunesInLst()
 {
-    m_caption->setText(m_captionText + QStringLiteral(" (") + QString::number(m_list.count()) + QStringLiteral(") "));
+    m_caption->setText(
+        m_captionText + QStringLiteral(" (") + QString::number(m_list.count()) + QStringLiteral(") "));
 }
 
 void ChoiceListPanel::loadLang(const Language &lang)
