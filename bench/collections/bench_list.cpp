@@ -105,6 +105,7 @@ void fillAndPrune()
         alone, filling, window.choiceList().count(), filling - alone);
 
     b.app->tree().remove(b.app->tree().find(kFile));
+    QApplication::processEvents(); // the tree's own update of the close, not the list's
     clock.restart();
     window.EpurerListeChoix();
     QApplication::processEvents();
