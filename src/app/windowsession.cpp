@@ -1,5 +1,6 @@
 #include "app/windowsession.h"
 
+#include "collections/choicefile.h"
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
 #include "frame/paths.h"
@@ -176,6 +177,9 @@ void writeSessionAtQuit(AppContext &app, const QuitState &state)
     app.recent().save(ini, state.reset);
     writeOpenFiles(app, state.reset);
     ini.set(keys::TempListContents, tempListContents(app.tree(), state.choiceListKeys));
+    QString listWhy;
+    if (!writeChoiceFile(choiceFilePath(app.paths()), app.tree(), state.choiceItems, &listWhy))
+        app.ui().contextError(QStringLiteral("Form_Unload"), listWhy);
     writeWindowGeometry(ini, state.geometry);
 
     ini.set(keys::Zoom, state.kept.zoom);

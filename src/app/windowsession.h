@@ -1,6 +1,8 @@
 #pragma once
 // The parts of the main window's load and quit that need no widget: the stored geometry, the
 // checks of the settings at load, and the session written back at quit.
+#include "collections/choicelist.h"
+
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -62,6 +64,7 @@ struct QuitState
 {
     bool reset = false; // the user asked for the settings to be set back to their defaults
     QStringList choiceListKeys;
+    QVector<ChoiceItem> choiceItems; // kept whole beside the settings
     WindowGeometry geometry;
     KeptSettings kept;
 };

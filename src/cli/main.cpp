@@ -3,6 +3,7 @@
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
 #include "cli/publishcommand.h"
+#include "cli/listcommand.h"
 #include "cli/rendercommand.h"
 #include "cli/toolscommand.h"
 
@@ -18,18 +19,27 @@
 
 using namespace fenwork;
 
+namespace {
+// Each command family keeps its own help text.
+QString allHelp()
+{
+    return QStringList { cli::helpText(), cli::publishHelp(), renderCommandHelp(), toolsCommandHelp(),
+        listCommandHelp() }.join(u'\n');
+}
+} // namespace
+
 int main(int argc, char **argv)
 {
     QCoreApplication qapp(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("fenwork-cli"));
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty()) {
-        cli::writeErr(cli::helpText() + u'\n' + cli::publishHelp() + u'\n' + renderCommandHelp() + u'\n' + toolsCommandHelp());
+        cli::writeErr(allHelp());
         return cli::Usage;
     }
     const QString command = args.takeFirst();
     if (command == u"help" || command == u"--help" || command == u"-h") {
-        cli::writeOut(cli::helpText() + u'\n' + cli::publishHelp() + u'\n' + renderCommandHelp() + u'\n' + toolsCommandHelp());
+        cli::writeOut(allHelp());
         return cli::Ok;
     }
 
@@ -78,6 +88,10 @@ int main(int argc, char **argv)
         return runChordsCommand(app, args);
     if (isToolsCommand(command))
         return runToolsCommand(app, command, args);
+    if (command == u"list2abc")
+        return runList2AbcCommand(app, args);
+    if (command == u"set")
+        return runSetCommand(app, args);
     cli::writeErr(QStringLiteral("fenwork-cli: unknown command '") + command
         + QStringLiteral("'\nTry 'fenwork-cli --help'.\n"));
     return cli::Usage;

@@ -1,5 +1,7 @@
 #include "collections/choicelist.h"
 
+#include "frame/strutil.h"
+
 #include <QSet>
 
 namespace fenwork {
@@ -88,6 +90,16 @@ void ChoiceList::setCaption(int row, const QString &caption)
     emit itemChanged(row);
 }
 
+void ChoiceList::move(int from, int to)
+{
+    if (from < 0 || from >= count() || to < 0 || to >= count() || from == to)
+        return;
+    emit aboutToMove(from, to);
+    m_items.move(from, to);
+    reindexFrom(qMin(from, to));
+    emit moved(from, to);
+}
+
 void ChoiceList::prune(const std::function<bool(const QString &key)> &exists)
 {
     QVector<ChoiceItem> kept;
@@ -109,6 +121,13 @@ void ChoiceList::reindexFrom(int row)
 {
     for (int i = row; i < count(); ++i)
         m_rows.insert(m_items.at(i).key, i);
+}
+
+int repetitionsFromText(const QString &text)
+{
+    bool ok = false;
+    const int value = trimBlanks(text).toInt(&ok);
+    return ok && value >= 1 && value <= 999 ? value : 0;
 }
 
 } // namespace fenwork

@@ -40,6 +40,8 @@ public:
     void clear();
     void setRepetitions(int row, int repetitions);
     void setCaption(int row, const QString &caption);
+    // Moves the item at `from` so that it stands at `to`: the order is what a set and a play follow.
+    void move(int from, int to);
     // Drops every item whose key `exists` rejects, keeping the order of the others.
     void prune(const std::function<bool(const QString &key)> &exists);
 
@@ -53,6 +55,9 @@ signals:
     void aboutToReset();
     void reset();
     void itemChanged(int row);
+    // Row `from` is about to stand at `to`, and does.
+    void aboutToMove(int from, int to);
+    void moved(int from, int to);
     // After every change of the number of items.
     void countChanged(int count);
 
@@ -62,5 +67,9 @@ private:
     QVector<ChoiceItem> m_items;
     QHash<QString, int> m_rows; // key -> row
 };
+
+// The repetitions a typed text asks for: a whole number from 1 to 999, else 0 (leave them as
+// they are), so that neither "-2" nor "2.5" nor a slip of the finger reaches the player.
+int repetitionsFromText(const QString &text);
 
 } // namespace fenwork

@@ -341,6 +341,35 @@ private slots:
         const IniFile ini(root + QStringLiteral("/fenwork.ini"));
         QCOMPARE(ini.get(keys::Version).isEmpty(), !mainWindow);
     }
+
+    // The working list of a big file, with its repetitions, comes back whole at the next start
+    // and is written back at the quit: the settings value alone would hold some thirty tunes.
+    void bigChoiceListComesBack()
+    {
+        QTemporaryDir root;
+        writeQuietSettings(root.path());
+        const QString path = root.filePath(QStringLiteral("big.abc"));
+        QByteArray abc = "%%abc-alias none\n", kept;
+        for (int i = 1; i <= 2000; ++i) {
+            abc += "X:" + QByteArray::number(i) + "\nT:Tune\nK:D\nabc|\n\n";
+            kept.prepend(QByteArray::number(i) + '\t' + QByteArray::number(i % 5 + 1) + '\t' + path.toUtf8() + "\tTune\n");
+        }
+        QDir().mkpath(root.filePath(QStringLiteral("user")));
+        const QString list = root.filePath(QStringLiteral("user/choice.lst"));
+        // A tune of a file gone is dropped on the way: the file is written anew.
+        for (const auto &[name, bytes] : { std::pair { path, abc }, { list, "1\t1\t/gone.abc\tGone\n" + kept } }) {
+            QFile file(name);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
+        const IniFile ini(root.filePath(QStringLiteral("fenwork.ini")));
+        ini.set(keys::NbFiles, QStringLiteral("1"));
+        ini.writeValue(QStringLiteral("OpenFiles"), QStringLiteral("OF1"), path);
+        QProcess program;
+        startProgram(program, root.path());
+        QVERIFY(waitUntilReady(root.path()));
+        QVERIFY(quit(program));
+        QCOMPARE(test::readBytes(list), kept);
+    }
 };
 
 FENWORK_TEST(TestStartup)

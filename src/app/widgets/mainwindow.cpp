@@ -222,7 +222,6 @@ void MainWindow::buildPanels()
         m_filter, &FilterPanel::showTreeRequested, this, [this] { m_tabs->setCurrentWidget(m_explorer); });
     connect(m_filter, &FilterPanel::selectNodeRequested, this, &MainWindow::SimulerNodeClick);
     m_listPanel->setTuneIcon(pictureIcon(QStringLiteral("tune"), m_app.paths().programFolder()));
-    connect(m_listPanel, &ChoiceListPanel::itemActivated, this, &MainWindow::SimulerNodeClick);
     PlayerHost host = PlayerHost::forEditor(m_textPanel->editor());
     host.selectedNodeKey = [this] { return tree()->currentKey(); };
     host.selectNode = [this](const QString &key) { SimulerNodeClick(key); };
@@ -385,6 +384,7 @@ void MainWindow::connectCommands()
     m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
     connectPublishCommands();
     connectToolsCommands();
+    connectListCommands();
 }
 
 void MainWindow::NodeClick(const QString &key)
@@ -523,8 +523,12 @@ void MainWindow::tr_ABC_DblClick()
     case 1:
         m_edit->abcedit();
         break;
+    case 2:
+        m_app.ui().processEvents();
+        if (QAction *add = m_menus->action(QStringLiteral("mnu_addTuneToLst")))
+            add->trigger();
+        break;
     default:
-        // 2 adds it to the choice list: it comes with the list.
         m_app.ui().processEvents();
         break;
     }

@@ -82,6 +82,7 @@ private:
     void connectCommands();
     void connectPublishCommands();
     void connectToolsCommands();
+    void connectListCommands();
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 

@@ -125,6 +125,7 @@ bool MainWindow::Form_Unload()
     QuitState state;
     state.reset = reset;
     state.choiceListKeys = m_choiceList->keys();
+    state.choiceItems = m_choiceList->items();
     state.geometry = currentGeometry();
     state.kept = m_kept;
     // The score writes the size it stands in; the other size's values were stored when the

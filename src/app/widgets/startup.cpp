@@ -1,5 +1,6 @@
 #include "app/widgets/startup.h"
 
+#include "collections/choicefile.h"
 #include "collections/choicelist.h"
 #include "frame/appcontext.h"
 #include "frame/inifile.h"
@@ -123,11 +124,14 @@ int Main(const QStringList &arguments)
             if (!key.isEmpty())
                 lastKey = key;
         }
-        // Indices that no longer fit the tree drop out one by one.
-        QVector<ChoiceItem> listed;
-        for (const QString &key : tempListKeys(app.tree(), ini.get(keys::TempListContents)))
-            if (const Node *node = app.tree().find(key))
-                listed.append({ key, node->Text, 1 });
+        // The list's own file finds its tunes by path and number, whatever the order of the files;
+        // without it, the places in the settings, whose entries that no longer fit drop out.
+        bool kept = false;
+        QVector<ChoiceItem> listed = readChoiceFile(choiceFilePath(app.paths()), app.tree(), &kept);
+        if (!kept)
+            for (const QString &key : tempListKeys(app.tree(), ini.get(keys::TempListContents)))
+                if (const Node *node = app.tree().find(key))
+                    listed.append({ key, node->Text, 1 });
         window.choiceList().addAll(listed);
     }
 

@@ -15,6 +15,11 @@ ChoiceListModel::ChoiceListModel(ChoiceList &list, QObject *parent)
     connect(&list, &ChoiceList::removed, this, [this] { endRemoveRows(); });
     connect(&list, &ChoiceList::aboutToReset, this, [this] { beginResetModel(); });
     connect(&list, &ChoiceList::reset, this, [this] { endResetModel(); });
+    connect(&list, &ChoiceList::aboutToMove, this, [this](int from, int to) {
+        // The destination counts the row being moved when it goes down.
+        beginMoveRows({}, from, from, {}, to > from ? to + 1 : to);
+    });
+    connect(&list, &ChoiceList::moved, this, [this] { endMoveRows(); });
     connect(&list, &ChoiceList::itemChanged, this,
         [this](int row) { emit dataChanged(index(row, 0), index(row, 1)); });
 }

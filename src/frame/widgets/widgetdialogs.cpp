@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QThread>
 #include <cstdio>
 #include <cstdlib>
@@ -105,6 +106,24 @@ UserDialogs::Answer WidgetDialogs::question(const QString &text, bool withCancel
 
 QString WidgetDialogs::inputText(const QString &prompt, const QString &title, const QString &defaultText)
 {
+    const QPointer<QWidget> anchor = m_inputAnchor;
+    m_inputAnchor = nullptr;
+    if (anchor) {
+        QInputDialog box(m_parent);
+        box.setWindowTitle(boxTitle(title));
+        box.setLabelText(boxText(prompt));
+        box.setTextValue(defaultText);
+        box.adjustSize();
+        // Beside the anchor's top right corner, kept on its screen.
+        QPoint at = anchor->mapToGlobal(QPoint(anchor->width(), 0));
+        if (const QScreen *screen = anchor->screen()) {
+            const QRect room = screen->availableGeometry();
+            at.setX(qBound(room.left(), at.x(), room.right() - box.width()));
+            at.setY(qBound(room.top(), at.y(), room.bottom() - box.height()));
+        }
+        box.move(at);
+        return box.exec() == QDialog::Accepted ? box.textValue() : QString();
+    }
     bool ok = false;
     const QString text = QInputDialog::getText(
         m_parent, boxTitle(title), boxText(prompt), QLineEdit::Normal, defaultText, &ok);

@@ -22,6 +22,8 @@ public:
 
     void setParentWidget(QWidget *parent) { m_parent = parent; }
     QWidget *parentWidget() const { return m_parent; }
+    // The next input box opens beside `anchor` rather than over the window's middle.
+    void setNextInputNear(QWidget *anchor) { m_inputAnchor = anchor; }
     void setProgressStrip(ProgressStrip *strip);
     ProgressStrip *progressStrip() const { return m_strip; }
 
@@ -53,6 +55,7 @@ protected:
 
 private:
     QPointer<QWidget> m_parent;
+    QPointer<QWidget> m_inputAnchor;
     QPointer<ProgressStrip> m_strip;
     bool m_progressVisible = false;
     QString m_caption;
