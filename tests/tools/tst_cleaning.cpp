@@ -43,6 +43,7 @@ private slots:
         row("inline remark", "A[r:x]B", { 12 }, "AB", true);
         row("entities", "T:&eacute;t&amp;", { 4 }, "T:\u00e9t&", true);
         row("field blank, first line too", "T: Title\r\nK:  G\r\nw: x", { 5 }, "T:Title\r\nK:G\r\nw:x", true);
+        row("field blank only behind CR LF", "x\nK: G\r\nT:   a", { 5 }, "x\nK: G\r\nT:a", true);
         row("bang decorations", "!trill!+fermata+A", { 6 }, "+fermata+A", true);
         row("plus decorations", "!trill!+fermata+A", { 7 }, "!trill!A", true);
         row("both decorations", "!trill!+fermata+A", { 6, 7 }, "A", true);
@@ -50,6 +51,7 @@ private slots:
         row("both decorations in one pass", "+a!b+c!", { 6, 7 }, "c!", true);
         row("stars, one pass", "abc**\r\nd*", { 8 }, "abc*\r\nd*", true);
         row("bar blanks", "| A |: B :| C ::", { 9 }, "|A|:B:|C::", true);
+        row("bar blank runs", "A  |  B ||  :|", { 9 }, "A|B||:|", true);
         row("blank between notes stays", "A B|", { 9 }, "A B|", false);
         row("rolls", "~A~B", { 10 }, "AB", true);
         row("grace notes", "{ag}A{/b}B", { 11 }, "AB", true);
