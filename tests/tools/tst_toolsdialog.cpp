@@ -110,8 +110,7 @@ private slots:
         auto *tabs = child<QTabWidget>(&dialog, "pic_tool");
         QStringList visible;
         for (int i = 0; i < tabs->count(); ++i)
-            if (tabs->isTabVisible(i))
-                visible << tabs->widget(i)->objectName();
+            visible << tabs->widget(i)->objectName();
         QCOMPARE(visible, (QStringList { "clean", "chords" }));
         QVERIFY(!child<QComboBox>(&dialog, "lst_fich")->isVisible());
         QVERIFY(!child<QPushButton>(&dialog, "bt_addChords")->isEnabled());

@@ -73,16 +73,19 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName(QStringLiteral("pic_tool"));
-    m_tabs->addTab(buildCleanTab(), text("<clean>"));
-    m_tabs->addTab(buildChordsTab(), text("<chords>"));
-    m_tabs->addTab(buildReindexTab(), text("<reindex>"));
-    m_tabs->addTab(buildSortTab(), text("<sort>"));
-    m_tabs->addTab(buildFieldTab(), text("<gstChp>"));
-    m_tabs->addTab(buildAnalyseTab(), text("<analyse>"));
-    // The tune scope works on the edit panel alone; chords make sense only there.
-    for (int i = 0; i < m_tabs->count(); ++i) {
-        const QString key = m_tabs->widget(i)->objectName();
-        m_tabs->setTabVisible(i, file ? key != u"chords" : (key == u"clean" || key == u"chords"));
+    // The tune scope works on the edit panel alone; chords make sense only there. A page left
+    // out stays built, unseen, so that every control exists in both scopes.
+    const QList<QPair<QWidget *, const char *>> pages = { { buildCleanTab(), "<clean>" },
+        { buildChordsTab(), "<chords>" }, { buildReindexTab(), "<reindex>" }, { buildSortTab(), "<sort>" },
+        { buildFieldTab(), "<gstChp>" }, { buildAnalyseTab(), "<analyse>" } };
+    for (const auto &[page, caption] : pages) {
+        const QString key = page->objectName();
+        if (file ? key != u"chords" : (key == u"clean" || key == u"chords")) {
+            m_tabs->addTab(page, text(caption));
+        } else {
+            page->setParent(this);
+            page->hide();
+        }
     }
     m_filesLabel->setVisible(file);
     m_files->setVisible(file);
@@ -142,6 +145,8 @@ QWidget *ToolsDialog::buildCleanTab()
     heading->setObjectName(QStringLiteral("lab_clean"));
     auto *info = new QLabel(text("<info0>"), page);
     info->setWordWrap(true);
+    // It speaks of restoring the file; in a session the editor's undo does that for a tune.
+    info->setVisible(m_scope == Scope::File);
 
     for (int option = 0; option < CleanOptionCount; ++option) {
         auto *box = new QCheckBox(text(kCleanCaptions[option]), page);

@@ -334,10 +334,14 @@ QWidget *ToolsDialog::buildAnalyseTab()
 void ToolsDialog::bt_analyse_Click()
 {
     const QString kFile = fileKey();
+    UserDialogs &ui = m_app.ui();
+    if (!kFile.isEmpty() && tuneCount(m_app, kFile) == 0) {
+        ui.message(msg("<noTunesInFile>"));
+        return;
+    }
     // No busy cursor: the window stays usable while the tunes go through the tool.
     if (kFile.isEmpty() || !beginWork(false))
         return;
-    UserDialogs &ui = m_app.ui();
     // The stop button is the one control that stays live while the tunes go through the tool.
     m_tabs->setEnabled(true);
     for (QWidget *control : { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
@@ -356,10 +360,6 @@ void ToolsDialog::bt_analyse_Click()
         return;
     if (!result.error.isEmpty()) {
         ui.message(result.error);
-        return;
-    }
-    if (tuneCount(m_app, kFile) == 0) {
-        ui.message(msg("<noTunesInFile>"));
         return;
     }
     if (result.stopped)
