@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -121,6 +122,23 @@ private slots:
         dialog.bt_Clean_Click(); // nothing left: nothing written, nothing said
         QCOMPARE(written, 1);
         QVERIFY(f.env.ui().messages().isEmpty());
+    }
+
+    // The analysis keeps the window and lists what abcm2ps cannot typeset.
+    void analysisInTheWindow()
+    {
+        test::TestEnv env;
+        std::unique_ptr<MainWindow> window = test::loadedMainWindow(env);
+        window->openPath(env.writeFile("t.abc", "X:1\nT:Good\nK:G\nGABc|\n\nX:2\nT:No music\n"));
+        window->menus()->action(QStringLiteral("mnu_fileTools0"))->trigger();
+        auto *dialog = window->findChild<ToolsDialog *>();
+        QVERIFY(dialog);
+        dialog->bt_analyse_Click();
+        QApplication::processEvents();
+        QVERIFY(window->findChild<ToolsDialog *>());
+        auto *bad = child<QListWidget>(dialog, "lst_beurk");
+        QCOMPARE(bad->count(), 1);
+        QCOMPARE(bad->item(0)->text(), QStringLiteral("[2]  No music"));
     }
 
     // The tune tools follow a tune's edit session, and a session's end closes them.
