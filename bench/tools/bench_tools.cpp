@@ -40,7 +40,7 @@ int main(int argc, char **argv)
     app.store().backupOnOpen = false;
 
     // Each operation on a freshly opened copy, so that none works on another's result.
-    const auto time = [&](const char *what, const std::function<void(QString &kFile)> &work) {
+    const auto time = [&](const char *what, const std::function<void(QString & kFile)> &work) {
         QString kFile = app.store().FichierOuvrir(args.at(1), false, true, false);
         if (kFile.isEmpty())
             return false;

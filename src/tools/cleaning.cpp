@@ -86,7 +86,8 @@ bool fieldBlanks(QString &text)
     QString out;
     qsizetype copied = 0;
     for (qsizetype line = 0; line >= 0;) {
-        if (line + 2 < n && isAsciiLetter(text.at(line)) && text.at(line + 1) == u':' && text.at(line + 2) == u' ') {
+        if (line + 2 < n && isAsciiLetter(text.at(line)) && text.at(line + 1) == u':'
+            && text.at(line + 2) == u' ') {
             const qsizetype colon = line + 2;
             qsizetype skip = colon;
             while (skip < n && text.at(skip) == u' ')
@@ -240,11 +241,20 @@ QString cleanAbcText(const QString &input, unsigned options, bool *changed, cons
 const QStringList &cleanOptionNames()
 {
     static const QStringList names = {
-        QStringLiteral("--join-lines"), QStringLiteral("--blanks"), QStringLiteral("--tabs"),
-        QStringLiteral("--comments"), QStringLiteral("--entities"), QStringLiteral("--field-blank"),
-        QStringLiteral("--bang-decorations"), QStringLiteral("--plus-decorations"),
-        QStringLiteral("--line-end-stars"), QStringLiteral("--bar-blanks"), QStringLiteral("--rolls"),
-        QStringLiteral("--grace-notes"), QStringLiteral("--remarks"), QStringLiteral("--quoted"),
+        QStringLiteral("--join-lines"),
+        QStringLiteral("--blanks"),
+        QStringLiteral("--tabs"),
+        QStringLiteral("--comments"),
+        QStringLiteral("--entities"),
+        QStringLiteral("--field-blank"),
+        QStringLiteral("--bang-decorations"),
+        QStringLiteral("--plus-decorations"),
+        QStringLiteral("--line-end-stars"),
+        QStringLiteral("--bar-blanks"),
+        QStringLiteral("--rolls"),
+        QStringLiteral("--grace-notes"),
+        QStringLiteral("--remarks"),
+        QStringLiteral("--quoted"),
     };
     return names;
 }

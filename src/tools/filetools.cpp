@@ -67,7 +67,8 @@ int tuneCount(const AppContext &app, const QString &kFile)
     return body ? body->childCount() : 0;
 }
 
-bool cleanFile(AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup, const CleanProgress &progress)
+bool cleanFile(
+    AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup, const CleanProgress &progress)
 {
     if (!backup.SetMemoFile(app, kFile))
         return false;

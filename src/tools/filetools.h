@@ -39,6 +39,6 @@ int tuneCount(const AppContext &app, const QString &kFile);
 // file is flagged) only when something was found. Returns whether it was; `kFile` follows the
 // rebuilt file.
 bool cleanFile(AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup,
-               const CleanProgress &progress = {});
+    const CleanProgress &progress = {});
 
 } // namespace fenwork

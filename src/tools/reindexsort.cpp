@@ -16,10 +16,20 @@ namespace fenwork {
 const QList<SortField> &sortFields()
 {
     static const QList<SortField> fields = {
-        { "X: ", "<chp24>" }, { "T: ", "<chp20>" }, { "A: ", "<chp1>" }, { "B: ", "<chp2>" },
-        { "C: ", "<chp3>" }, { "D: ", "<chp4>" }, { "G: ", "<chp7>" }, { "K: ", "<chp11>" },
-        { "M: ", "<chp13>" }, { "O: ", "<chp15>" }, { "Q: ", "<chp17>" }, { "R: ", "<chp18>" },
-        { "S: ", "<chp19>" }, { "Z: ", "<chp26>" },
+        { "X: ", "<chp24>" },
+        { "T: ", "<chp20>" },
+        { "A: ", "<chp1>" },
+        { "B: ", "<chp2>" },
+        { "C: ", "<chp3>" },
+        { "D: ", "<chp4>" },
+        { "G: ", "<chp7>" },
+        { "K: ", "<chp11>" },
+        { "M: ", "<chp13>" },
+        { "O: ", "<chp15>" },
+        { "Q: ", "<chp17>" },
+        { "R: ", "<chp18>" },
+        { "S: ", "<chp19>" },
+        { "Z: ", "<chp26>" },
     };
     return fields;
 }
@@ -90,8 +100,9 @@ QString sortString(const QString &key1, const QString &key2)
     return key1.left(80).leftJustified(81, u' ') + key2;
 }
 
-bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2, ToolsBackup &backup,
-              const std::function<void(int, int)> &progress, const std::function<void()> &reorganising)
+bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2,
+    ToolsBackup &backup, const std::function<void(int, int)> &progress,
+    const std::function<void()> &reorganising)
 {
     const Node *body = app.tree().find(kFile + key::BdyFile);
     if (!body || body->childCount() == 0)

@@ -28,9 +28,10 @@ private slots:
         QTest::addColumn<unsigned>("options");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<bool>("changed");
-        const auto row = [](const char *name, const char *in, std::initializer_list<int> options, const char *out,
-                             bool changed) {
-            QTest::newRow(name) << QString::fromUtf8(in) << bits(options) << QString::fromUtf8(out) << changed;
+        const auto row = [](const char *name, const char *in, std::initializer_list<int> options,
+                             const char *out, bool changed) {
+            QTest::newRow(name) << QString::fromUtf8(in) << bits(options) << QString::fromUtf8(out)
+                                << changed;
         };
         row("joined lines", "abc\\\r\ndef\\x\r\n", { 0 }, "abcdef\\x\r\n", true);
         row("tabs", "a\tb", { 2 }, "a b", true);
@@ -78,7 +79,8 @@ private slots:
     {
         QStringList steps;
         CleanProgress progress;
-        progress.stepStarted = [&](int step, int count) { steps << QString::number(step) + u'/' + QString::number(count); };
+        progress.stepStarted
+            = [&](int step, int count) { steps << QString::number(step) + u'/' + QString::number(count); };
         cleanAbcText(QStringLiteral("A"), bits({ 1, 6, 7, 13 }), nullptr, progress);
         QCOMPARE(steps, (QStringList { "1/4", "2/4", "3/4", "4/4" }));
     }

@@ -34,8 +34,8 @@ struct Files
         createWorkspaceRoot(env.app());
         for (int i = 0; i < 2; ++i)
             kFile[i] = env.app().store().FichierOuvrir(
-                env.writeFile(QString::number(i) + QStringLiteral(".abc"), "X:1\nT:a\nK:G\nA B % c\n"), false, true,
-                false);
+                env.writeFile(QString::number(i) + QStringLiteral(".abc"), "X:1\nT:a\nK:G\nA B % c\n"), false,
+                true, false);
     }
     QString text(int i) { return env.app().store().GetStringFile(kFile[i], true, false); }
     QString msg(const char *key) { return env.app().text(QStringLiteral("Msg"), QString::fromLatin1(key)); }
@@ -160,7 +160,8 @@ private slots:
         QVERIFY(dialog && dialog->scope() == ToolsDialog::Scope::Tune);
         tick(*dialog, CleanRolls);
         dialog->bt_Clean_Click();
-        QVERIFY(!window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"))->toPlainText().contains(u'~'));
+        QVERIFY(
+            !window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"))->toPlainText().contains(u'~'));
         window->editController()->validate();
         QApplication::processEvents();
         QVERIFY(!window->findChild<ToolsDialog *>());

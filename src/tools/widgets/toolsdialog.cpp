@@ -44,9 +44,9 @@ const QList<CleanGroup> &cleanGroups()
     return groups;
 }
 
-const char *const kCleanCaptions[CleanOptionCount] = { "<cleanBslh>", "<cleanSpace>", "<cleanTab>", "<cleanRem>",
-    "<cleanHtml>", "<cleanSpChp>", "<cleanSymbEx>", "<cleanSymbPlus>", "<cleanStar>", "<cleanSpcBar>", "<cleanRoll>",
-    "<cleanGrace>", "<cleanRemFld>", "<cleanChords>" };
+const char *const kCleanCaptions[CleanOptionCount] = { "<cleanBslh>", "<cleanSpace>", "<cleanTab>",
+    "<cleanRem>", "<cleanHtml>", "<cleanSpChp>", "<cleanSymbEx>", "<cleanSymbPlus>", "<cleanStar>",
+    "<cleanSpcBar>", "<cleanRoll>", "<cleanGrace>", "<cleanRemFld>", "<cleanChords>" };
 
 } // namespace
 
@@ -99,8 +99,8 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
     m_restorePic->setPixmap(QIcon::fromTheme(QStringLiteral("view-refresh")).pixmap(22, 22));
     connect(m_restore, &QPushButton::clicked, this, &ToolsDialog::bt_restaur_Click);
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *close = buttons->addButton(m_app.text(QStringLiteral("Common"), QStringLiteral("<close>")),
-        QDialogButtonBox::RejectRole);
+    QPushButton *close = buttons->addButton(
+        m_app.text(QStringLiteral("Common"), QStringLiteral("<close>")), QDialogButtonBox::RejectRole);
     close->setObjectName(QStringLiteral("bt_esc"));
     close->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
     close->setAutoDefault(false);
@@ -141,7 +141,10 @@ QWidget *ToolsDialog::buildCleanTab()
 {
     auto *page = new QWidget;
     page->setObjectName(QStringLiteral("clean"));
-    auto *heading = new QLabel(QStringLiteral("<b>") + text(m_scope == Scope::File ? "<cleanFile>" : "<cleanTune>").toHtmlEscaped() + QStringLiteral("</b>"), page);
+    auto *heading = new QLabel(QStringLiteral("<b>")
+            + text(m_scope == Scope::File ? "<cleanFile>" : "<cleanTune>").toHtmlEscaped()
+            + QStringLiteral("</b>"),
+        page);
     heading->setObjectName(QStringLiteral("lab_clean"));
     auto *info = new QLabel(text("<info0>"), page);
     info->setWordWrap(true);
@@ -306,7 +309,8 @@ void ToolsDialog::bt_Clean_Click()
         endWork();
         if (changed) {
             operationDone();
-            ui.message(msg("<CleanedFile>") + CRLF + CRLF + msg("<infoRestore>"), UserDialogs::Icon::Information);
+            ui.message(
+                msg("<CleanedFile>") + CRLF + CRLF + msg("<infoRestore>"), UserDialogs::Icon::Information);
         } else {
             ui.message(msg("<noCleanedFile>"), UserDialogs::Icon::Information);
             close();

@@ -159,7 +159,8 @@ QWidget *ToolsDialog::buildSortTab()
         if (i == 1)
             box->addItem(QString());
         for (const SortField &field : sortFields())
-            box->addItem(QString::fromLatin1(field.code) + m_app.text(mainForm, QString::fromLatin1(field.labelKey)));
+            box->addItem(
+                QString::fromLatin1(field.code) + m_app.text(mainForm, QString::fromLatin1(field.labelKey)));
         box->setCurrentIndex(i == 0 ? -1 : 0);
         form->addRow(text("<keySort1>") + QStringLiteral(" [") + QString::number(i + 1) + u']', box);
     }
@@ -192,11 +193,11 @@ void ToolsDialog::bt_sort_Click()
     m_sortInfo->setText(msg("<sortInPrcs>"));
     ui.processEvents();
     QString kFile = kFile0;
-    const bool done = sortFile(m_app, kFile, code1, code2, m_backup, feeding(m_sortProgress, ui),
-        [this, &ui] {
-            m_sortInfo->setText(msg("<reorgInPrcs>"));
-            ui.processEvents();
-        });
+    const bool done
+        = sortFile(m_app, kFile, code1, code2, m_backup, feeding(m_sortProgress, ui), [this, &ui] {
+              m_sortInfo->setText(msg("<reorgInPrcs>"));
+              ui.processEvents();
+          });
     m_sortInfo->clear();
     m_sortProgress->setValue(0);
     endWork();
@@ -281,9 +282,9 @@ void ToolsDialog::bt_actionChp_Click()
         return;
     const bool range = m_fieldScope->checkedId() == 1;
     QString kFile = kFile0;
-    const FieldResult result = applyFieldToFile(m_app, kFile, m_field->text(), FieldAction(m_fieldAction->checkedId()),
-        range ? m_index[0]->text() : QString(), range ? m_index[1]->text() : QString(), m_backup,
-        feeding(m_fieldProgress, m_app.ui()));
+    const FieldResult result = applyFieldToFile(m_app, kFile, m_field->text(),
+        FieldAction(m_fieldAction->checkedId()), range ? m_index[0]->text() : QString(),
+        range ? m_index[1]->text() : QString(), m_backup, feeding(m_fieldProgress, m_app.ui()));
     m_fieldProgress->setValue(0);
     endWork();
     const char *refusal = nullptr;
@@ -344,7 +345,8 @@ void ToolsDialog::bt_analyse_Click()
         return;
     // The stop button is the one control that stays live while the tunes go through the tool.
     m_tabs->setEnabled(true);
-    for (QWidget *control : { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
+    for (QWidget *control :
+        { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
         control->setEnabled(false);
     m_stopButton->setVisible(true);
     m_bad->clear();
