@@ -1,6 +1,7 @@
 #include "tools/widgets/toolsdialog.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "tools/fileanalysis.h"
@@ -120,6 +121,12 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
 
     for (const QString &caption : openFileCaptions(app))
         m_files->addItem(caption);
+    // Files opened or closed while the window stays open: the list follows, keeping its pick.
+    if (file)
+        connect(&app.selection(), &Selection::changed, this, [this] {
+            if (!m_working)
+                selectFile(fileKey());
+        });
 }
 
 ToolsDialog::~ToolsDialog()
