@@ -369,8 +369,8 @@ void ToolsDialog::closeEvent(QCloseEvent *event)
 
 void ToolsDialog::reject()
 {
+    // Esc during an analysis stops it and keeps what it found on screen.
     if (m_working) {
-        m_closeWanted = true;
         m_analysis->requestStop();
         return;
     }

@@ -349,10 +349,12 @@ void ToolsDialog::bt_analyse_Click()
         { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
         control->setEnabled(false);
     m_stopButton->setVisible(true);
+    m_stopButton->setFocus();
     m_bad->clear();
     const FileAnalysis::Result result = m_analysis->run(kFile, feeding(m_analyseProgress, ui));
     m_stopButton->setVisible(false);
     m_analyseButton->setEnabled(true);
+    m_analyseButton->setFocus();
     m_tabs->tabBar()->setEnabled(true);
     m_analyseProgress->setValue(0);
     m_bad->addItems(result.badTunes);
