@@ -89,8 +89,8 @@ int clean(AppContext &app, const QStringList &args)
 
 int field(AppContext &app, const QStringList &args)
 {
-    static const QStringList actions
-        = { QStringLiteral("--add"), QStringLiteral("--first"), QStringLiteral("--last"), QStringLiteral("--all") };
+    static const QStringList actions = { QStringLiteral("--add"), QStringLiteral("--first"),
+        QStringLiteral("--last"), QStringLiteral("--all") };
     QStringList plain;
     QString from, to, line;
     int action = -1;
@@ -113,7 +113,8 @@ int field(AppContext &app, const QStringList &args)
         }
     }
     if (plain.size() != 2 || action < 0)
-        return usage(QStringLiteral("field takes IN, OUT and one of --add, --first, --last, --all with a line"));
+        return usage(
+            QStringLiteral("field takes IN, OUT and one of --add, --first, --last, --all with a line"));
     QString kFile = openIn(app, plain.at(0), true);
     if (kFile.isEmpty())
         return cli::Failed;
@@ -150,8 +151,9 @@ int reindex(AppContext &app, const QStringList &args)
 bool isSortCode(const QString &code)
 {
     const QList<SortField> &fields = sortFields();
-    return std::any_of(fields.cbegin(), fields.cend(),
-        [&code](const SortField &f) { return code.compare(QLatin1String(f.code, 2), Qt::CaseInsensitive) == 0; });
+    return std::any_of(fields.cbegin(), fields.cend(), [&code](const SortField &f) {
+        return code.compare(QLatin1String(f.code, 2), Qt::CaseInsensitive) == 0;
+    });
 }
 
 int sort(AppContext &app, const QStringList &args)
@@ -197,8 +199,8 @@ int analyse(AppContext &app, const QStringList &args)
 
 bool isToolsCommand(const QString &command)
 {
-    static const QStringList names = { QStringLiteral("clean"), QStringLiteral("field"), QStringLiteral("reindex"),
-        QStringLiteral("sort"), QStringLiteral("analyse") };
+    static const QStringList names = { QStringLiteral("clean"), QStringLiteral("field"),
+        QStringLiteral("reindex"), QStringLiteral("sort"), QStringLiteral("analyse") };
     return names.contains(command);
 }
 

@@ -9,20 +9,20 @@ namespace fenwork {
 
 // The options, numbered as their check boxes.
 enum CleanOption {
-    CleanJoinLines = 0,   // a backslash before the line end
-    CleanBlanks = 1,      // runs of blanks
+    CleanJoinLines = 0, // a backslash before the line end
+    CleanBlanks = 1, // runs of blanks
     CleanTabs = 2,
     CleanComments = 3,
-    CleanEntities = 4,    // HTML entities and escapes
-    CleanFieldBlank = 5,  // the blank behind a field's colon
+    CleanEntities = 4, // HTML entities and escapes
+    CleanFieldBlank = 5, // the blank behind a field's colon
     CleanBangDecorations = 6,
     CleanPlusDecorations = 7,
     CleanLineEndStars = 8,
     CleanBarBlanks = 9,
     CleanRolls = 10,
     CleanGraceNotes = 11,
-    CleanRemarks = 12,    // r: fields
-    CleanQuoted = 13,     // chord symbols and annotations
+    CleanRemarks = 12, // r: fields
+    CleanQuoted = 13, // chord symbols and annotations
     CleanOptionCount = 14
 };
 
@@ -39,8 +39,8 @@ struct CleanProgress
 
 // Runs the options whose bits are set in `options` (bit n is option n) over `text`, in the fixed
 // order. `changed` tells whether any option found something.
-QString cleanAbcText(const QString &text, unsigned options, bool *changed = nullptr,
-                     const CleanProgress &progress = {});
+QString cleanAbcText(
+    const QString &text, unsigned options, bool *changed = nullptr, const CleanProgress &progress = {});
 
 // The option number of a command-line name ("--comments" -> 3), or -1.
 int cleanOptionFromName(const QString &name);

@@ -43,7 +43,8 @@ QString applyFieldLine(const QString &tuneText, const QString &line, FieldAction
         }
         done = true;
     } else {
-        const auto matches = [&code](const QString &l) { return l.left(2).compare(code, Qt::CaseInsensitive) == 0; };
+        const auto matches
+            = [&code](const QString &l) { return l.left(2).compare(code, Qt::CaseInsensitive) == 0; };
         if (action == FieldAction::ChangeLast) {
             for (qsizetype i = lines.size() - 1; i >= 0 && !done; --i) {
                 if (matches(lines.at(i))) {
@@ -68,8 +69,8 @@ QString applyFieldLine(const QString &tuneText, const QString &line, FieldAction
 }
 
 FieldResult applyFieldToFile(AppContext &app, QString &kFile, const QString &text, FieldAction action,
-                             const QString &fromIndex, const QString &toIndex, ToolsBackup &backup,
-                             const std::function<void(int, int)> &progress)
+    const QString &fromIndex, const QString &toIndex, ToolsBackup &backup,
+    const std::function<void(int, int)> &progress)
 {
     const QString line = trimBlanks(text);
     const QString code = line.left(2);
@@ -83,7 +84,8 @@ FieldResult applyFieldToFile(AppContext &app, QString &kFile, const QString &tex
     const QString to = bracketed(toIndex);
     if (!from.isEmpty()) {
         const auto &tunes = body->children();
-        if (std::none_of(tunes.cbegin(), tunes.cend(), [&from](const Node *t) { return t->Text.contains(from); }))
+        if (std::none_of(
+                tunes.cbegin(), tunes.cend(), [&from](const Node *t) { return t->Text.contains(from); }))
             return FieldResult::NoFromTune;
     }
     // A comment has no code to find in the tunes, so it can only be added.

@@ -60,10 +60,14 @@ FileAnalysis::Result FileAnalysis::run(const QString &kFile, const std::function
         QString text = m_app.store().GetStringTune(keys.at(i), false, 0);
         if (!text.endsWith(CRLF))
             text += CRLF;
-        if (!writeTextFile(input, text, TextEncoding::Utf8)) {
-            result.error = QStringLiteral("cannot write ") + input;
+        // A plain write: a scratch file needs no flush to disk, which would cost more than the tool.
+        QFile scratch(input);
+        if (!scratch.open(QIODevice::WriteOnly | QIODevice::Truncate)
+            || scratch.write(encodeText(text, TextEncoding::Utf8)) < 0) {
+            result.error = QStringLiteral("cannot write ") + input + QStringLiteral(": ") + scratch.errorString();
             break;
         }
+        scratch.close();
         bool good = false;
         for (int attempt = 0; attempt < 2 && !good && !m_stop; ++attempt) {
             if (!QFile::remove(output) && QFileInfo::exists(output)) {

@@ -12,13 +12,15 @@ class AppContext;
 class FileAnalysis
 {
 public:
-    explicit FileAnalysis(AppContext &app) : m_app(app) { }
+    explicit FileAnalysis(AppContext &app)
+        : m_app(app)
+    { }
 
     struct Result
     {
         QStringList badTunes; // the labels of the bad tunes, in tree order
         bool stopped = false; // by requestStop() or Esc, before the last tune
-        QString error;        // the engraver cannot be run at all; nothing was analysed
+        QString error; // the engraver cannot be run at all; nothing was analysed
     };
 
     // Analyses the tunes of `kFile`. Events keep running during the waits, so the window stays

@@ -9,6 +9,11 @@ namespace fenwork {
 
 bool ToolsBackup::SetMemoFile(AppContext &app, const QString &kFile)
 {
+    return SetMemoFile(app, kFile, app.store().GetStringFile(kFile, false, false));
+}
+
+bool ToolsBackup::SetMemoFile(AppContext &app, const QString &kFile, const QString &fileText)
+{
     const Node *file = app.tree().find(kFile);
     if (!file || keyKind(kFile) != KeyKind::File) {
         clear();
@@ -16,7 +21,7 @@ bool ToolsBackup::SetMemoFile(AppContext &app, const QString &kFile)
     }
     memoKey = kFile;
     memoName = file->Text;
-    memoText = app.store().GetStringFile(kFile, false, false);
+    memoText = fileText;
     return true;
 }
 
@@ -62,7 +67,8 @@ int tuneCount(const AppContext &app, const QString &kFile)
     return body ? body->childCount() : 0;
 }
 
-bool cleanFile(AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup, const CleanProgress &progress)
+bool cleanFile(
+    AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup, const CleanProgress &progress)
 {
     if (!backup.SetMemoFile(app, kFile))
         return false;

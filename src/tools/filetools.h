@@ -19,6 +19,8 @@ struct ToolsBackup
 
     // Fills the backup from an open file; false when the key names no file.
     bool SetMemoFile(AppContext &app, const QString &kFile);
+    // The same with the file's text already in hand, as GetStringFile gives it.
+    bool SetMemoFile(AppContext &app, const QString &kFile, const QString &fileText);
     bool isEmpty() const { return memoKey.isEmpty(); }
     void clear() { *this = {}; }
     // Puts the text back into the tree (flagged as changed, shown) and clears the backup.
@@ -37,6 +39,6 @@ int tuneCount(const AppContext &app, const QString &kFile);
 // file is flagged) only when something was found. Returns whether it was; `kFile` follows the
 // rebuilt file.
 bool cleanFile(AppContext &app, QString &kFile, unsigned options, ToolsBackup &backup,
-               const CleanProgress &progress = {});
+    const CleanProgress &progress = {});
 
 } // namespace fenwork

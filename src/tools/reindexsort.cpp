@@ -16,10 +16,20 @@ namespace fenwork {
 const QList<SortField> &sortFields()
 {
     static const QList<SortField> fields = {
-        { "X: ", "<chp24>" }, { "T: ", "<chp20>" }, { "A: ", "<chp1>" }, { "B: ", "<chp2>" },
-        { "C: ", "<chp3>" }, { "D: ", "<chp4>" }, { "G: ", "<chp7>" }, { "K: ", "<chp11>" },
-        { "M: ", "<chp13>" }, { "O: ", "<chp15>" }, { "Q: ", "<chp17>" }, { "R: ", "<chp18>" },
-        { "S: ", "<chp19>" }, { "Z: ", "<chp26>" },
+        { "X: ", "<chp24>" },
+        { "T: ", "<chp20>" },
+        { "A: ", "<chp1>" },
+        { "B: ", "<chp2>" },
+        { "C: ", "<chp3>" },
+        { "D: ", "<chp4>" },
+        { "G: ", "<chp7>" },
+        { "K: ", "<chp11>" },
+        { "M: ", "<chp13>" },
+        { "O: ", "<chp15>" },
+        { "Q: ", "<chp17>" },
+        { "R: ", "<chp18>" },
+        { "S: ", "<chp19>" },
+        { "Z: ", "<chp26>" },
     };
     return fields;
 }
@@ -90,39 +100,52 @@ QString sortString(const QString &key1, const QString &key2)
     return key1.left(80).leftJustified(81, u' ') + key2;
 }
 
-bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2, ToolsBackup &backup,
-              const std::function<void(int, int)> &progress, const std::function<void()> &reorganising)
+bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2,
+    ToolsBackup &backup, const std::function<void(int, int)> &progress,
+    const std::function<void()> &reorganising)
 {
     const Node *body = app.tree().find(kFile + key::BdyFile);
     if (!body || body->childCount() == 0)
         return false;
-    backup.SetMemoFile(app, kFile);
     struct Item
     {
         QString key;
-        const Node *tune;
+        int index;
     };
+    TuneStore &store = app.store();
+    const QString header = store.GetStringHdrFile(kFile, false);
+    // Each tune's text once: for the backup, which is the file as it stands, and for the result.
+    QStringList texts;
     QList<Item> items;
+    texts.reserve(body->childCount());
     items.reserve(body->childCount());
     for (const Node *tune : body->children()) {
         QString key2;
         const QString key1 = sortKeyOf(tune, code1, code2, &key2);
-        items.append({ sortString(key1, key2), tune });
+        items.append({ sortString(key1, key2), int(texts.size()) });
+        texts.append(store.GetStringTune(tune->Key, false, 0));
     }
+    StrBuild before;
+    before.Append(header);
+    before.Append(CRLF);
+    for (const QString &text : std::as_const(texts)) {
+        before.Append(text);
+        before.Append(CRLF);
+    }
+    backup.SetMemoFile(app, kFile, before.Value());
     // By character codes; equal keys stay in file order.
     std::stable_sort(items.begin(), items.end(), [](const Item &a, const Item &b) { return a.key < b.key; });
     if (reorganising)
         reorganising();
 
-    TuneStore &store = app.store();
     StrBuild out;
-    out.Append(store.GetStringHdrFile(kFile, false));
+    out.Append(header);
     out.Append(CRLF);
     const int count = int(items.size());
     for (int i = 0; i < count; ++i) {
         if (progress && i % 64 == 0)
             progress(i, count);
-        out.Append(store.GetStringTune(items.at(i).tune->Key, false, 0));
+        out.Append(texts.at(items.at(i).index));
         out.Append(CRLF);
     }
     store.SwapStringFile(out.Value(), kFile);

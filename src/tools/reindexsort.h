@@ -33,10 +33,10 @@ QString sortKeyOf(const Node *tune, const QString &code1, const QString &code2, 
 QString sortString(const QString &key1, const QString &key2);
 
 // Reorders the tunes of a file by the two codes (`code2` may be empty). Tunes with equal keys keep
-// their order, so sorting a sorted file changes nothing. `phase` is told when the sorting is done
-// and the file is being rebuilt. False when the file has no tunes.
-bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2, ToolsBackup &backup,
-              const std::function<void(int value, int maximum)> &progress = {},
-              const std::function<void()> &reorganising = {});
+// their order, so sorting a sorted file changes nothing. `reorganising` is told when the sorting
+// is done and the file is being rebuilt. False when the file has no tunes.
+bool sortFile(AppContext &app, QString &kFile, const QString &code1, const QString &code2,
+    ToolsBackup &backup, const std::function<void(int value, int maximum)> &progress = {},
+    const std::function<void()> &reorganising = {});
 
 } // namespace fenwork

@@ -24,15 +24,20 @@ private slots:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QByteArray>("inOut"); // what OUT holds, or what standard output or error says
         QTest::newRow("clean needs an option") << QStringList { "clean" } << 2 << QByteArray("option");
-        QTest::newRow("clean, unknown option") << QStringList { "clean", "--nothing" } << 2 << QByteArray("--nothing");
-        QTest::newRow("clean") << QStringList { "clean", "--comments", "--rolls" } << 0 << QByteArray("T:b\r\nK:D\r\nAB\r\n");
-        QTest::newRow("field") << QStringList { "field", "--all", "K:A", "--from", "2" } << 0 << QByteArray("T:b\r\nK:D\r\n~AB % x\r\n\r\nX:2\r\nT:a\r\nK:A\r\n");
-        QTest::newRow("field refused") << QStringList { "field", "--first", "Nonsense" } << 1 << QByteArray("A field line");
-        QTest::newRow("field, no such tune") << QStringList { "field", "--add", "N:x", "--from", "9" } << 1
-                                             << QByteArray("No tune");
+        QTest::newRow("clean, unknown option")
+            << QStringList { "clean", "--nothing" } << 2 << QByteArray("--nothing");
+        QTest::newRow("clean") << QStringList { "clean", "--comments", "--rolls" } << 0
+                               << QByteArray("T:b\r\nK:D\r\nAB\r\n");
+        QTest::newRow("field") << QStringList { "field", "--all", "K:A", "--from", "2" } << 0
+                               << QByteArray("T:b\r\nK:D\r\n~AB % x\r\n\r\nX:2\r\nT:a\r\nK:A\r\n");
+        QTest::newRow("field refused")
+            << QStringList { "field", "--first", "Nonsense" } << 1 << QByteArray("A field line");
+        QTest::newRow("field, no such tune")
+            << QStringList { "field", "--add", "N:x", "--from", "9" } << 1 << QByteArray("No tune");
         QTest::newRow("reindex") << QStringList { "reindex", "41" } << 0 << QByteArray("X:42\r\nT:a\r\n");
         QTest::newRow("reindex from 0") << QStringList { "reindex", "0" } << 2 << QByteArray("first number");
-        QTest::newRow("sort") << QStringList { "sort", "t:" } << 0 << QByteArray("X:2\r\nT:a\r\nK:G\r\nG\r\n\r\nX:1\r\nT:b");
+        QTest::newRow("sort") << QStringList { "sort", "t:" } << 0
+                              << QByteArray("X:2\r\nT:a\r\nK:G\r\nG\r\n\r\nX:1\r\nT:b");
         QTest::newRow("sort, bad key") << QStringList { "sort", "title" } << 2 << QByteArray("field codes");
         QTest::newRow("analyse") << QStringList { "analyse" } << 0 << QByteArray("can be typeset");
     }
@@ -42,7 +47,8 @@ private slots:
         QFETCH(int, exitCode);
         QFETCH(QByteArray, inOut);
         test::CliProcess cli;
-        const QString in = cli.write(QStringLiteral("in.abc"), "X:1\nT:b\nK:D\n~AB % x\n\nX:2\nT:a\nK:G\nG\n");
+        const QString in
+            = cli.write(QStringLiteral("in.abc"), "X:1\nT:b\nK:D\n~AB % x\n\nX:2\nT:a\nK:G\nG\n");
         const QString out = cli.path(QStringLiteral("out.abc"));
         QStringList all = arguments.mid(0, 1) << in;
         if (arguments.first() != u"analyse")

@@ -28,9 +28,10 @@ private slots:
         QTest::addColumn<unsigned>("options");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<bool>("changed");
-        const auto row = [](const char *name, const char *in, std::initializer_list<int> options, const char *out,
-                             bool changed) {
-            QTest::newRow(name) << QString::fromUtf8(in) << bits(options) << QString::fromUtf8(out) << changed;
+        const auto row = [](const char *name, const char *in, std::initializer_list<int> options,
+                             const char *out, bool changed) {
+            QTest::newRow(name) << QString::fromUtf8(in) << bits(options) << QString::fromUtf8(out)
+                                << changed;
         };
         row("joined lines", "abc\\\r\ndef\\x\r\n", { 0 }, "abcdef\\x\r\n", true);
         row("tabs", "a\tb", { 2 }, "a b", true);
@@ -43,6 +44,7 @@ private slots:
         row("inline remark", "A[r:x]B", { 12 }, "AB", true);
         row("entities", "T:&eacute;t&amp;", { 4 }, "T:\u00e9t&", true);
         row("field blank, first line too", "T: Title\r\nK:  G\r\nw: x", { 5 }, "T:Title\r\nK:G\r\nw:x", true);
+        row("field blank only behind CR LF", "x\nK: G\r\nT:   a", { 5 }, "x\nK: G\r\nT:a", true);
         row("bang decorations", "!trill!+fermata+A", { 6 }, "+fermata+A", true);
         row("plus decorations", "!trill!+fermata+A", { 7 }, "!trill!A", true);
         row("both decorations", "!trill!+fermata+A", { 6, 7 }, "A", true);
@@ -50,6 +52,7 @@ private slots:
         row("both decorations in one pass", "+a!b+c!", { 6, 7 }, "c!", true);
         row("stars, one pass", "abc**\r\nd*", { 8 }, "abc*\r\nd*", true);
         row("bar blanks", "| A |: B :| C ::", { 9 }, "|A|:B:|C::", true);
+        row("bar blank runs", "A  |  B ||  :|", { 9 }, "A|B||:|", true);
         row("blank between notes stays", "A B|", { 9 }, "A B|", false);
         row("rolls", "~A~B", { 10 }, "AB", true);
         row("grace notes", "{ag}A{/b}B", { 11 }, "AB", true);
@@ -76,7 +79,8 @@ private slots:
     {
         QStringList steps;
         CleanProgress progress;
-        progress.stepStarted = [&](int step, int count) { steps << QString::number(step) + u'/' + QString::number(count); };
+        progress.stepStarted
+            = [&](int step, int count) { steps << QString::number(step) + u'/' + QString::number(count); };
         cleanAbcText(QStringLiteral("A"), bits({ 1, 6, 7, 13 }), nullptr, progress);
         QCOMPARE(steps, (QStringList { "1/4", "2/4", "3/4", "4/4" }));
     }

@@ -77,26 +77,36 @@ private slots:
         QTest::addColumn<int>("result");
         QTest::addColumn<QByteArray>("expected"); // the tunes after, empty: unchanged
         const QByteArray two = "X:1\nT:One\nR:reel\nK:G\nR:jig\nabc|\nX:2\nT:Two\nK:D\ndef|\n";
-        QTest::newRow("add behind the first T:") << two << "  C:Trad " << 0 << "" << "" << int(FieldResult::Done)
+        QTest::newRow("add behind the first T:")
+            << two << "  C:Trad " << 0 << ""
+            << "" << int(FieldResult::Done)
             << crlf("X:1\nT:One\nC:Trad\nR:reel\nK:G\nR:jig\nabc|\n\nX:2\nT:Two\nC:Trad\nK:D\ndef|\n\n");
-        QTest::newRow("first, lower case code") << two << "r:hornpipe" << 1 << "" << "" << int(FieldResult::Done)
+        QTest::newRow("first, lower case code")
+            << two << "r:hornpipe" << 1 << ""
+            << "" << int(FieldResult::Done)
             << crlf("X:1\nT:One\nr:hornpipe\nK:G\nR:jig\nabc|\n\nX:2\nT:Two\nK:D\ndef|\n\n");
-        QTest::newRow("last") << two << "R:polka" << 2 << "" << "" << int(FieldResult::Done)
-            << crlf("X:1\nT:One\nR:reel\nK:G\nR:polka\nabc|\n\nX:2\nT:Two\nK:D\ndef|\n\n");
-        QTest::newRow("all") << two << "R:x" << 3 << "" << "" << int(FieldResult::Done)
-            << crlf("X:1\nT:One\nR:x\nK:G\nR:x\nabc|\n\nX:2\nT:Two\nK:D\ndef|\n\n");
-        QTest::newRow("comment added") << two << "%note" << 0 << "2" << "" << int(FieldResult::Done)
+        QTest::newRow("last") << two << "R:polka" << 2 << ""
+                              << "" << int(FieldResult::Done)
+                              << crlf("X:1\nT:One\nR:reel\nK:G\nR:polka\nabc|\n\nX:2\nT:Two\nK:D\ndef|\n\n");
+        QTest::newRow("all") << two << "R:x" << 3 << ""
+                             << "" << int(FieldResult::Done)
+                             << crlf("X:1\nT:One\nR:x\nK:G\nR:x\nabc|\n\nX:2\nT:Two\nK:D\ndef|\n\n");
+        QTest::newRow("comment added")
+            << two << "%note" << 0 << "2"
+            << "" << int(FieldResult::Done)
             << crlf("X:1\nT:One\nR:reel\nK:G\nR:jig\nabc|\n\nX:2\nT:Two\n%note\nK:D\ndef|\n\n");
-        QTest::newRow("range") << QByteArray("X:4\nT:a\nX:5\nT:b\nX:6\nT:c\nX:7\nT:d\nX:8\nT:e\n") << "N:n" << 0
-                               << " 5" << "7" << int(FieldResult::Done)
+        QTest::newRow("range")
+            << QByteArray("X:4\nT:a\nX:5\nT:b\nX:6\nT:c\nX:7\nT:d\nX:8\nT:e\n") << "N:n" << 0 << " 5"
+            << "7" << int(FieldResult::Done)
             << crlf("X:4\nT:a\n\nX:5\nT:b\nN:n\n\nX:6\nT:c\nN:n\n\nX:7\nT:d\nN:n\n\nX:8\nT:e\n\n");
-        QTest::newRow("nonsense") << two << "Nonsense" << 0 << "" << "" << int(FieldResult::Invalid) << QByteArray();
-        QTest::newRow("comment changed") << two << "%x" << 1 << "" << "" << int(FieldResult::CommentStop)
-                                         << QByteArray();
-        QTest::newRow("no from tune") << two << "N:n" << 0 << "9" << "" << int(FieldResult::NoFromTune)
-                                      << QByteArray();
-        QTest::newRow("no tunes") << QByteArray("%abc\n") << "N:n" << 0 << "" << "" << int(FieldResult::NoTunes)
-                                  << QByteArray();
+        QTest::newRow("nonsense") << two << "Nonsense" << 0 << ""
+                                  << "" << int(FieldResult::Invalid) << QByteArray();
+        QTest::newRow("comment changed") << two << "%x" << 1 << ""
+                                         << "" << int(FieldResult::CommentStop) << QByteArray();
+        QTest::newRow("no from tune") << two << "N:n" << 0 << "9"
+                                      << "" << int(FieldResult::NoFromTune) << QByteArray();
+        QTest::newRow("no tunes") << QByteArray("%abc\n") << "N:n" << 0 << ""
+                                  << "" << int(FieldResult::NoTunes) << QByteArray();
     }
     void fields()
     {
@@ -109,7 +119,8 @@ private slots:
         QFETCH(QByteArray, expected);
         Fixture f(file);
         const QString before = f.body();
-        QCOMPARE(int(applyFieldToFile(f.env.app(), f.kFile, line, FieldAction(action), from, to, f.backup)), result);
+        QCOMPARE(int(applyFieldToFile(f.env.app(), f.kFile, line, FieldAction(action), from, to, f.backup)),
+            result);
         QCOMPARE(f.body(), expected.isEmpty() ? before : QString::fromUtf8(expected));
         if (expected.isEmpty())
             QVERIFY(f.backup.isEmpty());
@@ -123,7 +134,8 @@ private slots:
         QCOMPARE(applyFieldLine(QStringLiteral("K:G"), QStringLiteral("R:jig"), FieldAction::Add),
             QStringLiteral("X:0\r\nR:jig\r\nK:G"));
         bool changed = true;
-        QCOMPARE(applyFieldLine(QStringLiteral("X:1\r\nT:a"), QStringLiteral("R:jig"), FieldAction::ChangeFirst, &changed),
+        QCOMPARE(applyFieldLine(QStringLiteral("X:1\r\nT:a"), QStringLiteral("R:jig"),
+                     FieldAction::ChangeFirst, &changed),
             QStringLiteral("X:1\r\nT:a"));
         QVERIFY(!changed);
     }
@@ -145,17 +157,25 @@ private slots:
         QTest::addColumn<QString>("code1");
         QTest::addColumn<QString>("code2");
         QTest::addColumn<QString>("order"); // the X: numbers after
-        QTest::newRow("numbers, zero-padded") << QByteArray("X:10\nT:a\nX:9\nT:b\nX:100\nT:c\n") << "X:" << ""
+        QTest::newRow("numbers, zero-padded") << QByteArray("X:10\nT:a\nX:9\nT:b\nX:100\nT:c\n") << "X:"
+                                              << ""
                                               << "9 10 100";
-        QTest::newRow("missing title first") << QByteArray("X:1\nT:b\nX:2\nK:G\nX:3\nT:a\n") << "T:" << ""
+        QTest::newRow("missing title first") << QByteArray("X:1\nT:b\nX:2\nK:G\nX:3\nT:a\n") << "T:"
+                                             << ""
                                              << "2 3 1";
-        QTest::newRow("first title alone") << QByteArray("X:1\nT:z\nT:a\nX:2\nT:m\n") << "T:" << "" << "2 1";
+        QTest::newRow("first title alone") << QByteArray("X:1\nT:z\nT:a\nX:2\nT:m\n") << "T:"
+                                           << ""
+                                           << "2 1";
         // With a second key the titles are read up to the R: line: the last one before it counts.
-        QTest::newRow("last title before R:") << QByteArray("X:1\nT:z\nT:a\nR:r\nX:2\nT:m\nR:r\n") << "T:" << "R:"
+        QTest::newRow("last title before R:") << QByteArray("X:1\nT:z\nT:a\nR:r\nX:2\nT:m\nR:r\n") << "T:"
+                                              << "R:"
                                               << "1 2";
-        QTest::newRow("case ignored, order kept") << QByteArray("X:1\nT:Abc\nX:2\nT:abc\nX:3\nT:ABC\nX:4\nT:a\n")
-                                                  << "T:" << "" << "4 1 2 3";
-        QTest::newRow("second key breaks ties") << QByteArray("X:1\nT:a\nR:reel\nX:2\nT:a\nR:jig\n") << "T:" << "R:"
+        QTest::newRow("case ignored, order kept")
+            << QByteArray("X:1\nT:Abc\nX:2\nT:abc\nX:3\nT:ABC\nX:4\nT:a\n") << "T:"
+            << ""
+            << "4 1 2 3";
+        QTest::newRow("second key breaks ties") << QByteArray("X:1\nT:a\nR:reel\nX:2\nT:a\nR:jig\n") << "T:"
+                                                << "R:"
                                                 << "2 1";
     }
     void sort()
@@ -243,7 +263,8 @@ private slots:
             f.open(test::readBytes(files.next()));
             const QString name = files.fileName();
             const QString opened = f.saved();
-            QVERIFY2(!cleanFile(f.env.app(), f.kFile, (1u << CleanOptionCount) - 1, f.backup) || !f.backup.isEmpty(),
+            QVERIFY2(!cleanFile(f.env.app(), f.kFile, (1u << CleanOptionCount) - 1, f.backup)
+                    || !f.backup.isEmpty(),
                 qPrintable(name));
             f.backup.restore(f.env.app());
             QVERIFY2(f.saved() == opened, qPrintable(name + QStringLiteral(": clean and restore")));

@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -33,8 +34,8 @@ struct Files
         createWorkspaceRoot(env.app());
         for (int i = 0; i < 2; ++i)
             kFile[i] = env.app().store().FichierOuvrir(
-                env.writeFile(QString::number(i) + QStringLiteral(".abc"), "X:1\nT:a\nK:G\nA B % c\n"), false, true,
-                false);
+                env.writeFile(QString::number(i) + QStringLiteral(".abc"), "X:1\nT:a\nK:G\nA B % c\n"), false,
+                true, false);
     }
     QString text(int i) { return env.app().store().GetStringFile(kFile[i], true, false); }
     QString msg(const char *key) { return env.app().text(QStringLiteral("Msg"), QString::fromLatin1(key)); }
@@ -110,8 +111,7 @@ private slots:
         auto *tabs = child<QTabWidget>(&dialog, "pic_tool");
         QStringList visible;
         for (int i = 0; i < tabs->count(); ++i)
-            if (tabs->isTabVisible(i))
-                visible << tabs->widget(i)->objectName();
+            visible << tabs->widget(i)->objectName();
         QCOMPARE(visible, (QStringList { "clean", "chords" }));
         QVERIFY(!child<QComboBox>(&dialog, "lst_fich")->isVisible());
         QVERIFY(!child<QPushButton>(&dialog, "bt_addChords")->isEnabled());
@@ -122,6 +122,23 @@ private slots:
         dialog.bt_Clean_Click(); // nothing left: nothing written, nothing said
         QCOMPARE(written, 1);
         QVERIFY(f.env.ui().messages().isEmpty());
+    }
+
+    // The analysis keeps the window and lists what abcm2ps cannot typeset.
+    void analysisInTheWindow()
+    {
+        test::TestEnv env;
+        std::unique_ptr<MainWindow> window = test::loadedMainWindow(env);
+        window->openPath(env.writeFile("t.abc", "X:1\nT:Good\nK:G\nGABc|\n\nX:2\nT:No music\n"));
+        window->menus()->action(QStringLiteral("mnu_fileTools0"))->trigger();
+        auto *dialog = window->findChild<ToolsDialog *>();
+        QVERIFY(dialog);
+        dialog->bt_analyse_Click();
+        QApplication::processEvents();
+        QVERIFY(window->findChild<ToolsDialog *>());
+        auto *bad = child<QListWidget>(dialog, "lst_beurk");
+        QCOMPARE(bad->count(), 1);
+        QCOMPARE(bad->item(0)->text(), QStringLiteral("[2]  No music"));
     }
 
     // The tune tools follow a tune's edit session, and a session's end closes them.
@@ -143,7 +160,8 @@ private slots:
         QVERIFY(dialog && dialog->scope() == ToolsDialog::Scope::Tune);
         tick(*dialog, CleanRolls);
         dialog->bt_Clean_Click();
-        QVERIFY(!window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"))->toPlainText().contains(u'~'));
+        QVERIFY(
+            !window->findChild<QPlainTextEdit *>(QStringLiteral("txt_ABC"))->toPlainText().contains(u'~'));
         window->editController()->validate();
         QApplication::processEvents();
         QVERIFY(!window->findChild<ToolsDialog *>());

@@ -2,13 +2,13 @@
 // file selected, the tune tools on the tune in an edit session.
 #include "app/widgets/mainwindow.h"
 
+#include "app/widgets/mainmenus.h"
 #include "editing/editsession.h"
 #include "editing/widgets/abctextpanel.h"
 #include "editing/widgets/editcontroller.h"
 #include "frame/appcontext.h"
 #include "frame/commandstate.h"
 #include "frame/selection.h"
-#include "app/widgets/mainmenus.h"
 #include "tools/chords.h"
 #include "tools/widgets/toolsdialog.h"
 

@@ -1,6 +1,7 @@
 #include "tools/widgets/toolsdialog.h"
 
 #include "frame/appcontext.h"
+#include "frame/selection.h"
 #include "frame/strutil.h"
 #include "frame/userdialogs.h"
 #include "tools/fileanalysis.h"
@@ -44,9 +45,9 @@ const QList<CleanGroup> &cleanGroups()
     return groups;
 }
 
-const char *const kCleanCaptions[CleanOptionCount] = { "<cleanBslh>", "<cleanSpace>", "<cleanTab>", "<cleanRem>",
-    "<cleanHtml>", "<cleanSpChp>", "<cleanSymbEx>", "<cleanSymbPlus>", "<cleanStar>", "<cleanSpcBar>", "<cleanRoll>",
-    "<cleanGrace>", "<cleanRemFld>", "<cleanChords>" };
+const char *const kCleanCaptions[CleanOptionCount] = { "<cleanBslh>", "<cleanSpace>", "<cleanTab>",
+    "<cleanRem>", "<cleanHtml>", "<cleanSpChp>", "<cleanSymbEx>", "<cleanSymbPlus>", "<cleanStar>",
+    "<cleanSpcBar>", "<cleanRoll>", "<cleanGrace>", "<cleanRemFld>", "<cleanChords>" };
 
 } // namespace
 
@@ -73,16 +74,19 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName(QStringLiteral("pic_tool"));
-    m_tabs->addTab(buildCleanTab(), text("<clean>"));
-    m_tabs->addTab(buildChordsTab(), text("<chords>"));
-    m_tabs->addTab(buildReindexTab(), text("<reindex>"));
-    m_tabs->addTab(buildSortTab(), text("<sort>"));
-    m_tabs->addTab(buildFieldTab(), text("<gstChp>"));
-    m_tabs->addTab(buildAnalyseTab(), text("<analyse>"));
-    // The tune scope works on the edit panel alone; chords make sense only there.
-    for (int i = 0; i < m_tabs->count(); ++i) {
-        const QString key = m_tabs->widget(i)->objectName();
-        m_tabs->setTabVisible(i, file ? key != u"chords" : (key == u"clean" || key == u"chords"));
+    // The tune scope works on the edit panel alone; chords make sense only there. A page left
+    // out stays built, unseen, so that every control exists in both scopes.
+    const QList<QPair<QWidget *, const char *>> pages = { { buildCleanTab(), "<clean>" },
+        { buildChordsTab(), "<chords>" }, { buildReindexTab(), "<reindex>" }, { buildSortTab(), "<sort>" },
+        { buildFieldTab(), "<gstChp>" }, { buildAnalyseTab(), "<analyse>" } };
+    for (const auto &[page, caption] : pages) {
+        const QString key = page->objectName();
+        if (file ? key != u"chords" : (key == u"clean" || key == u"chords")) {
+            m_tabs->addTab(page, text(caption));
+        } else {
+            page->setParent(this);
+            page->hide();
+        }
     }
     m_filesLabel->setVisible(file);
     m_files->setVisible(file);
@@ -96,8 +100,8 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
     m_restorePic->setPixmap(QIcon::fromTheme(QStringLiteral("view-refresh")).pixmap(22, 22));
     connect(m_restore, &QPushButton::clicked, this, &ToolsDialog::bt_restaur_Click);
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *close = buttons->addButton(m_app.text(QStringLiteral("Common"), QStringLiteral("<close>")),
-        QDialogButtonBox::RejectRole);
+    QPushButton *close = buttons->addButton(
+        m_app.text(QStringLiteral("Common"), QStringLiteral("<close>")), QDialogButtonBox::RejectRole);
     close->setObjectName(QStringLiteral("bt_esc"));
     close->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
     close->setAutoDefault(false);
@@ -117,6 +121,12 @@ ToolsDialog::ToolsDialog(AppContext &app, Scope scope, QWidget *parent)
 
     for (const QString &caption : openFileCaptions(app))
         m_files->addItem(caption);
+    // Files opened or closed while the window stays open: the list follows, keeping its pick.
+    if (file)
+        connect(&app.selection(), &Selection::changed, this, [this] {
+            if (!m_working)
+                selectFile(fileKey());
+        });
 }
 
 ToolsDialog::~ToolsDialog()
@@ -138,10 +148,15 @@ QWidget *ToolsDialog::buildCleanTab()
 {
     auto *page = new QWidget;
     page->setObjectName(QStringLiteral("clean"));
-    auto *heading = new QLabel(QStringLiteral("<b>") + text(m_scope == Scope::File ? "<cleanFile>" : "<cleanTune>").toHtmlEscaped() + QStringLiteral("</b>"), page);
+    auto *heading = new QLabel(QStringLiteral("<b>")
+            + text(m_scope == Scope::File ? "<cleanFile>" : "<cleanTune>").toHtmlEscaped()
+            + QStringLiteral("</b>"),
+        page);
     heading->setObjectName(QStringLiteral("lab_clean"));
     auto *info = new QLabel(text("<info0>"), page);
     info->setWordWrap(true);
+    // It speaks of restoring the file; in a session the editor's undo does that for a tune.
+    info->setVisible(m_scope == Scope::File);
 
     for (int option = 0; option < CleanOptionCount; ++option) {
         auto *box = new QCheckBox(text(kCleanCaptions[option]), page);
@@ -301,7 +316,8 @@ void ToolsDialog::bt_Clean_Click()
         endWork();
         if (changed) {
             operationDone();
-            ui.message(msg("<CleanedFile>") + CRLF + CRLF + msg("<infoRestore>"), UserDialogs::Icon::Information);
+            ui.message(
+                msg("<CleanedFile>") + CRLF + CRLF + msg("<infoRestore>"), UserDialogs::Icon::Information);
         } else {
             ui.message(msg("<noCleanedFile>"), UserDialogs::Icon::Information);
             close();
@@ -353,8 +369,8 @@ void ToolsDialog::closeEvent(QCloseEvent *event)
 
 void ToolsDialog::reject()
 {
+    // Esc during an analysis stops it and keeps what it found on screen.
     if (m_working) {
-        m_closeWanted = true;
         m_analysis->requestStop();
         return;
     }

@@ -68,7 +68,7 @@ private:
     QWidget *buildFieldTab();
     QWidget *buildAnalyseTab();
     QString text(const char *key) const; // section "Tools"
-    QString msg(const char *key) const;  // section "Msg"
+    QString msg(const char *key) const; // section "Msg"
     // The key of the file picked in lst_fich; empty when none is open.
     QString fileKey();
     void lst_fich_Click();
@@ -88,38 +88,38 @@ private:
     bool m_closeWanted = false;
     bool m_busyCursor = false;
 
-    QTabWidget *m_tabs = nullptr;      // pic_tool
-    QComboBox *m_files = nullptr;      // lst_fich
+    QTabWidget *m_tabs = nullptr; // pic_tool
+    QComboBox *m_files = nullptr; // lst_fich
     QLabel *m_filesLabel = nullptr;
-    QPushButton *m_restore = nullptr;  // bt_restaur
-    QLabel *m_restorePic = nullptr;    // pic_restaur
+    QPushButton *m_restore = nullptr; // bt_restaur
+    QLabel *m_restorePic = nullptr; // pic_restaur
 
-    QList<QCheckBox *> m_clean;        // chk_clean
-    QLabel *m_steps = nullptr;         // lab_nAction
+    QList<QCheckBox *> m_clean; // chk_clean
+    QLabel *m_steps = nullptr; // lab_nAction
     QProgressBar *m_cleanProgress = nullptr; // PrgN
-    QPushButton *m_cleanButton = nullptr;    // bt_Clean
+    QPushButton *m_cleanButton = nullptr; // bt_Clean
 
-    QButtonGroup *m_chordCount = nullptr;    // opt_nbChords
-    QPushButton *m_chordsButton = nullptr;   // bt_addChords
+    QButtonGroup *m_chordCount = nullptr; // opt_nbChords
+    QPushButton *m_chordsButton = nullptr; // bt_addChords
 
-    QLineEdit *m_reindexStart = nullptr;     // txt_reindex
-    QPushButton *m_reindexButton = nullptr;  // bt_reindex
+    QLineEdit *m_reindexStart = nullptr; // txt_reindex
+    QPushButton *m_reindexButton = nullptr; // bt_reindex
 
-    QComboBox *m_sortKeys[2] = {};           // lst_keySort
-    QLabel *m_sortInfo = nullptr;            // lab_infoSort
-    QProgressBar *m_sortProgress = nullptr;  // PrgS
-    QPushButton *m_sortButton = nullptr;     // bt_sort
+    QComboBox *m_sortKeys[2] = {}; // lst_keySort
+    QLabel *m_sortInfo = nullptr; // lab_infoSort
+    QProgressBar *m_sortProgress = nullptr; // PrgS
+    QPushButton *m_sortButton = nullptr; // bt_sort
 
-    QLineEdit *m_field = nullptr;            // txt_Chp
-    QButtonGroup *m_fieldAction = nullptr;   // opt_action
-    QButtonGroup *m_fieldScope = nullptr;    // opt_portee
-    QLineEdit *m_index[2] = {};              // txt_Idx
+    QLineEdit *m_field = nullptr; // txt_Chp
+    QButtonGroup *m_fieldAction = nullptr; // opt_action
+    QButtonGroup *m_fieldScope = nullptr; // opt_portee
+    QLineEdit *m_index[2] = {}; // txt_Idx
     QProgressBar *m_fieldProgress = nullptr; // PrgC
-    QPushButton *m_fieldButton = nullptr;    // bt_actionChp
+    QPushButton *m_fieldButton = nullptr; // bt_actionChp
 
-    QListWidget *m_bad = nullptr;            // lst_beurk
+    QListWidget *m_bad = nullptr; // lst_beurk
     QProgressBar *m_analyseProgress = nullptr; // prgA
-    QPushButton *m_analyseButton = nullptr;  // bt_analyse
+    QPushButton *m_analyseButton = nullptr; // bt_analyse
     QPushButton *m_stopButton = nullptr;
     FileAnalysis *m_analysis = nullptr;
 };

@@ -159,7 +159,8 @@ QWidget *ToolsDialog::buildSortTab()
         if (i == 1)
             box->addItem(QString());
         for (const SortField &field : sortFields())
-            box->addItem(QString::fromLatin1(field.code) + m_app.text(mainForm, QString::fromLatin1(field.labelKey)));
+            box->addItem(
+                QString::fromLatin1(field.code) + m_app.text(mainForm, QString::fromLatin1(field.labelKey)));
         box->setCurrentIndex(i == 0 ? -1 : 0);
         form->addRow(text("<keySort1>") + QStringLiteral(" [") + QString::number(i + 1) + u']', box);
     }
@@ -192,11 +193,11 @@ void ToolsDialog::bt_sort_Click()
     m_sortInfo->setText(msg("<sortInPrcs>"));
     ui.processEvents();
     QString kFile = kFile0;
-    const bool done = sortFile(m_app, kFile, code1, code2, m_backup, feeding(m_sortProgress, ui),
-        [this, &ui] {
-            m_sortInfo->setText(msg("<reorgInPrcs>"));
-            ui.processEvents();
-        });
+    const bool done
+        = sortFile(m_app, kFile, code1, code2, m_backup, feeding(m_sortProgress, ui), [this, &ui] {
+              m_sortInfo->setText(msg("<reorgInPrcs>"));
+              ui.processEvents();
+          });
     m_sortInfo->clear();
     m_sortProgress->setValue(0);
     endWork();
@@ -281,9 +282,9 @@ void ToolsDialog::bt_actionChp_Click()
         return;
     const bool range = m_fieldScope->checkedId() == 1;
     QString kFile = kFile0;
-    const FieldResult result = applyFieldToFile(m_app, kFile, m_field->text(), FieldAction(m_fieldAction->checkedId()),
-        range ? m_index[0]->text() : QString(), range ? m_index[1]->text() : QString(), m_backup,
-        feeding(m_fieldProgress, m_app.ui()));
+    const FieldResult result = applyFieldToFile(m_app, kFile, m_field->text(),
+        FieldAction(m_fieldAction->checkedId()), range ? m_index[0]->text() : QString(),
+        range ? m_index[1]->text() : QString(), m_backup, feeding(m_fieldProgress, m_app.ui()));
     m_fieldProgress->setValue(0);
     endWork();
     const char *refusal = nullptr;
@@ -334,19 +335,26 @@ QWidget *ToolsDialog::buildAnalyseTab()
 void ToolsDialog::bt_analyse_Click()
 {
     const QString kFile = fileKey();
+    UserDialogs &ui = m_app.ui();
+    if (!kFile.isEmpty() && tuneCount(m_app, kFile) == 0) {
+        ui.message(msg("<noTunesInFile>"));
+        return;
+    }
     // No busy cursor: the window stays usable while the tunes go through the tool.
     if (kFile.isEmpty() || !beginWork(false))
         return;
-    UserDialogs &ui = m_app.ui();
     // The stop button is the one control that stays live while the tunes go through the tool.
     m_tabs->setEnabled(true);
-    for (QWidget *control : { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
+    for (QWidget *control :
+        { static_cast<QWidget *>(m_analyseButton), static_cast<QWidget *>(m_tabs->tabBar()) })
         control->setEnabled(false);
     m_stopButton->setVisible(true);
+    m_stopButton->setFocus();
     m_bad->clear();
     const FileAnalysis::Result result = m_analysis->run(kFile, feeding(m_analyseProgress, ui));
     m_stopButton->setVisible(false);
     m_analyseButton->setEnabled(true);
+    m_analyseButton->setFocus();
     m_tabs->tabBar()->setEnabled(true);
     m_analyseProgress->setValue(0);
     m_bad->addItems(result.badTunes);
@@ -356,10 +364,6 @@ void ToolsDialog::bt_analyse_Click()
         return;
     if (!result.error.isEmpty()) {
         ui.message(result.error);
-        return;
-    }
-    if (tuneCount(m_app, kFile) == 0) {
-        ui.message(msg("<noTunesInFile>"));
         return;
     }
     if (result.stopped)
