@@ -3,6 +3,7 @@
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
 #include "cli/rendercommand.h"
+#include "cli/similarcommand.h"
 
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"
@@ -45,6 +46,13 @@ int main(int argc, char **argv)
         out.setEncoding(QStringConverter::Utf8);
         err.setEncoding(QStringConverter::Utf8);
         return runFindCommand(args, out, err);
+    }
+    if (command == u"similar") {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runSimilarCommand(args, out, err);
     }
 
     // The same user root as the program: settings and language come from there.
