@@ -79,13 +79,16 @@ public:
 
     Reader() { std::fill(std::begin(m_key), std::end(m_key), 0); }
 
-    void line(const QString &raw)
+    void line(QStringView text)
     {
-        const QString text = trimBlanks(raw);
+        while (!text.isEmpty() && text.front() == u' ')
+            text = text.mid(1);
+        while (!text.isEmpty() && (text.back() == u' ' || text.back() == u'\r'))
+            text.chop(1);
         if (text.isEmpty() || text.startsWith(u'%'))
             return;
         if (text.size() >= 2 && text.at(1) == u':' && text.at(0).isLetter() && text.at(0).unicode() < 128) {
-            field(text.at(0), QStringView(text).mid(2));
+            field(text.at(0), text.mid(2));
             return;
         }
         if (m_inBody)
@@ -127,7 +130,7 @@ private:
         }
     }
 
-    void music(const QString &text)
+    void music(QStringView text)
     {
         const qsizetype n = text.size();
         for (qsizetype i = 0; i < n; ++i) {
@@ -154,7 +157,7 @@ private:
                 if (i + 2 < n && next.isLetter() && text.at(i + 2) == u':') {
                     const qsizetype close = text.indexOf(u']', i);
                     const qsizetype end = close < 0 ? n : close;
-                    field(next, QStringView(text).mid(i + 3, end - i - 3));
+                    field(next, text.mid(i + 3, end - i - 3));
                     i = end;
                 } else if (next.isDigit()) {
                     i = barLine(text, i + 1);
@@ -173,7 +176,7 @@ private:
                 if (i + 1 < n && text.at(i + 1).isDigit()) {
                     // A tuplet: "(p:q:r" is read as "(p", its ratio the usual one.
                     if (m_inFirstVoice && !m_skipToBar)
-                        m_bar += QStringView(text).mid(i, 2);
+                        m_bar += text.mid(i, 2);
                     i += 1;
                     while (i + 1 < n && (text.at(i + 1) == u':' || text.at(i + 1).isDigit()))
                         ++i;
@@ -207,12 +210,12 @@ private:
     }
 
     // A chord of notes: its highest note stands for it, with the length written behind it.
-    qsizetype chord(const QString &text, qsizetype open)
+    qsizetype chord(QStringView text, qsizetype open)
     {
         const qsizetype close = text.indexOf(u']', open);
         if (close < 0)
             return text.size();
-        const QString tokens = TokeniseNotes(text.mid(open + 1, close - open - 1));
+        const QString tokens = TokeniseNotes(text.mid(open + 1, close - open - 1).toString());
         QStringView best;
         int bestPitch = -1;
         for (QStringView token : QStringView(tokens).split(u' ', Qt::SkipEmptyParts)) {
@@ -264,7 +267,7 @@ private:
 
     // A bar line starting at `at` (with its repeat colons and ending number); returns the index
     // of its last character.
-    qsizetype barLine(const QString &text, qsizetype at)
+    qsizetype barLine(QStringView text, qsizetype at)
     {
         const qsizetype n = text.size();
         qsizetype i = at;
@@ -284,7 +287,7 @@ private:
             return i - 1;
         flushNotes();
         m_skipToBar = false;
-        m_barAlter.clear();
+        ++m_barNumber;
         if (m_inFirstVoice)
             repeats(symbol, ending);
         return i - 1;
@@ -315,8 +318,14 @@ private:
             return;
         const QString tokens = TokeniseNotes(m_bar);
         m_bar.clear();
-        for (QStringView token : QStringView(tokens).split(u' ', Qt::SkipEmptyParts))
-            note(token);
+        for (qsizetype from = 0; from < tokens.size();) {
+            qsizetype blank = tokens.indexOf(u' ', from);
+            if (blank < 0)
+                blank = tokens.size();
+            if (blank > from)
+                note(QStringView(tokens).mid(from, blank - from));
+            from = blank + 1;
+        }
     }
 
     void note(QStringView token)
@@ -395,15 +404,15 @@ private:
         const int li = letterIndex(letter);
         if (li < 0)
             return;
-        const int place = li * 16 + (letter.isLower() ? 8 : 4) + octave / 12; // letter and octave
+        const int place = li * 16 + qBound(0, (letter.isLower() ? 8 : 4) + octave / 12, 15); // letter and octave
         int alter;
         if (!sign.isEmpty()) {
             alter = 0;
             for (QChar s : sign)
                 alter += s == u'^' ? 1 : s == u'_' ? -1 : 0;
-            m_barAlter.insert(place, alter);
+            m_barAlter[place] = {m_barNumber, alter};
         } else {
-            alter = m_barAlter.value(place, m_key[li]);
+            alter = m_barAlter[place].bar == m_barNumber ? m_barAlter[place].alter : m_key[li];
         }
         const int pitch = 60 + kSemitones[li] + (letter.isLower() ? 12 : 0) + octave + alter;
         if (m_tieFrom == place && !out.isEmpty() && sign.isEmpty()) {
@@ -416,7 +425,14 @@ private:
     }
 
     int m_key[7];
-    QHash<int, int> m_barAlter; // letter and octave -> alteration written in the bar
+    // The accidentals written in the bar, by letter and octave; those of earlier bars are stale.
+    struct Written
+    {
+        int bar = -1;
+        int alter = 0;
+    };
+    Written m_barAlter[7 * 16];
+    int m_barNumber = 0;
     double m_unit = 0.125;
     bool m_unitSet = false;
     bool m_inBody = false;
@@ -440,10 +456,7 @@ void readLines(Reader &reader, const QString &text)
         qsizetype end = text.indexOf(u'\n', start);
         if (end < 0)
             end = text.size();
-        QString line = text.mid(start, end - start);
-        if (line.endsWith(u'\r'))
-            line.chop(1);
-        reader.line(line);
+        reader.line(QStringView(text).mid(start, end - start));
         start = end + 1;
     }
 }

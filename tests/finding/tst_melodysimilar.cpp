@@ -4,7 +4,9 @@
 #include "testmain.h"
 
 #include "cli/similarcommand.cpp"
+#include "collections/choicelist.h"
 #include "finding/melodyreader.h"
+#include "finding/widgets/filterpanel.h"
 #include "finding/melodysimilar.h"
 #include "frame/strutil.h"
 #include "store/node.h"
@@ -12,7 +14,9 @@
 #include "store/tunestore.h"
 #include "store/workspacetree.h"
 
+#include <QCheckBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QTest>
 #include <QTextStream>
 
@@ -288,6 +292,57 @@ private slots:
         QCOMPARE(runSimilar(arguments, &o, &e), code);
         QVERIFY2(out.startsWith(u'\t') ? o.endsWith(out) && o.count(u'\n') == 1 : o == out, qPrintable(o));
         QVERIFY2(e.contains(err), qPrintable(e));
+    }
+
+    // The panel's similar mode fills the list best first and greys the rest; off, the melody
+    // box is the text fragment of the filter as before.
+    void panel_data()
+    {
+        QTest::addColumn<bool>("similar");
+        QTest::addColumn<QString>("fragment");
+        QTest::addColumn<QStringList>("listed");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("ranked, another key") << true << "[K:D] E D E F" << QStringList{"Turn", "Scale"} << "";
+        QTest::newRow("too few notes") << true << "A B" << QStringList{} << "<similarTooFew>";
+        QTest::newRow("mode off: text fragment") << false << "DCDE" << QStringList{"Turn"} << "";
+        QTest::newRow("mode off: no transposition") << false << "EDEF" << QStringList{} << "<noTuneFound>";
+    }
+    void panel()
+    {
+        QFETCH(bool, similar);
+        QFETCH(QString, fragment);
+        QFETCH(QStringList, listed);
+        QFETCH(QString, message);
+        test::TestEnv env;
+        createWorkspaceRoot(env.app());
+        const QString kFile = env.app().store().FichierOuvrir(
+            env.writeFile(QStringLiteral("m.abc"), "X:1\nT:Scale\nK:C\nCDEF GABc|\n\nX:2\nT:Arpeggio\nK:C\nCEGc egc'e'|\n\n"
+                                                   "X:3\nT:Turn\nK:C\nGFED CDEF|\n"),
+            false, true, false);
+        FilterPanel panel(env.app());
+        ChoiceList list;
+        panel.filter().setChoiceList(&list);
+        panel.findChild<QCheckBox *>(QStringLiteral("chk_similar"))->setChecked(similar);
+        auto *box = panel.findChild<QLineEdit *>(QStringLiteral("txt_mus"));
+        box->setText(fragment);
+        QTest::keyClick(box, Qt::Key_Return);
+        QStringList captions;
+        for (const ChoiceItem &item : list.items())
+            captions.append(item.caption.mid(item.caption.lastIndexOf(u' ') + 1));
+        QCOMPARE(captions, listed);
+        QStringList shown;
+        for (const Node *tune : env.app().tree().find(kFile + key::BdyFile)->children())
+            if (tune->ForeColor != color::TuneLeftOut)
+                shown.append(tune->Text.mid(tune->Text.lastIndexOf(u' ') + 1));
+        shown.sort();
+        listed.sort();
+        // A fragment too short to look for leaves the tree as it was.
+        const QStringList all{"Arpeggio", "Scale", "Turn"};
+        QCOMPARE(shown, message == u"<similarTooFew>" ? all : listed);
+        const QStringList messages = env.ui().messages();
+        QCOMPARE(messages.size(), message.isEmpty() ? 0 : 1);
+        if (!message.isEmpty())
+            QVERIFY2(messages.first().endsWith(env.app().text(QStringLiteral("Msg"), message)), qPrintable(messages.first()));
     }
 
     void recall_data()
