@@ -129,16 +129,18 @@ FilterPanel::FilterPanel(AppContext &app, QWidget *parent)
     m_startOnly = new QCheckBox(this);
     m_startOnly->setObjectName(QStringLiteral("chk_startOnly"));
     top->addRow(m_startOnly);
-    auto *similarRow = new QHBoxLayout;
+    // The similar-melody mode, and under it its one option, indented as belonging to it: side
+    // by side they were cut off in the narrow left column.
     m_similar = new QCheckBox(this);
     m_similar->setObjectName(QStringLiteral("chk_similar"));
+    top->addRow(m_similar);
+    auto *rhythmRow = new QHBoxLayout;
+    rhythmRow->setContentsMargins(20, 0, 0, 0);
     m_rhythm = new QCheckBox(this);
     m_rhythm->setObjectName(QStringLiteral("chk_rhythm"));
     m_rhythm->setEnabled(false);
-    similarRow->addWidget(m_similar);
-    similarRow->addWidget(m_rhythm);
-    similarRow->addStretch(1);
-    top->addRow(similarRow);
+    rhythmRow->addWidget(m_rhythm);
+    top->addRow(rhythmRow);
     connect(m_similar, &QCheckBox::toggled, this, &FilterPanel::similarToggled);
     m_anywhereLabel = new QLabel(this);
     m_anywhere = new QLineEdit(this);
@@ -385,6 +387,12 @@ void FilterPanel::similarToggled(bool on)
     m_rhythm->setEnabled(on);
     m_startOnly->setEnabled(!on);
     m_mus->setPlaceholderText(on ? m_app.lang().text(kMainForm, QStringLiteral("<similarHint>")) : QString());
+    // The index is read while the user types the fragment, not when the search is asked for.
+    if (on)
+        QTimer::singleShot(0, this, [this] {
+            BusyScope busy(m_app.ui());
+            m_similarSearch->refresh();
+        });
 }
 
 void FilterPanel::searchSimilar()
