@@ -26,7 +26,9 @@ enum { Ok = 0, Failed = 1, Usage = 2 };
 class SimilarDialogs : public CliDialogs
 {
 public:
-    explicit SimilarDialogs(QTextStream &err) : m_err(err) { }
+    explicit SimilarDialogs(QTextStream &err)
+        : m_err(err)
+    { }
     void message(const QString &text, Icon, const QString &) override
     {
         m_err << QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")) << '\n';
@@ -113,8 +115,9 @@ int runSimilarCommand(const QStringList &arguments, QTextStream &out, QTextStrea
     if (positional.isEmpty())
         return usage(err, QStringLiteral("FILE is missing"));
     if (queries.isEmpty() ? positional.size() != 2 : positional.size() != 1)
-        return usage(err, queries.isEmpty() ? QStringLiteral("FILE and FRAGMENT are needed")
-                                            : QStringLiteral("--queries takes the place of FRAGMENT"));
+        return usage(err,
+            queries.isEmpty() ? QStringLiteral("FILE and FRAGMENT are needed")
+                              : QStringLiteral("--queries takes the place of FRAGMENT"));
     query.fragment = positional.value(1);
 
     const Paths paths = Paths::fromEnvironment();
@@ -143,7 +146,9 @@ int runSimilarCommand(const QStringList &arguments, QTextStream &out, QTextStrea
         while (!queryLines.isEmpty() && queryLines.last().trimmed().isEmpty())
             queryLines.removeLast();
     }
-    if (app.store().FichierOuvrir(QFileInfo(positional.at(0)).absoluteFilePath(), false, true, true).isEmpty())
+    if (app.store()
+            .FichierOuvrir(QFileInfo(positional.at(0)).absoluteFilePath(), false, true, true)
+            .isEmpty())
         return Failed;
 
     MelodySimilar similar(app);
@@ -172,7 +177,8 @@ int runSimilarCommand(const QStringList &arguments, QTextStream &out, QTextStrea
         if (line.endsWith(u'\r'))
             line.chop(1);
         const qsizetype tab = line.indexOf(u'\t');
-        const Melody melody = readMelodyFragment(tab < 0 ? line : line.mid(tab + 1), tab < 0 ? QString() : line.left(tab));
+        const Melody melody
+            = readMelodyFragment(tab < 0 ? line : line.mid(tab + 1), tab < 0 ? QString() : line.left(tab));
         QStringList best;
         for (const SimilarTune &tune : similar.searchIndexed(melody, query.options))
             best.append(QString::number(tune.position) + u':' + scoreText(tune.ratio));

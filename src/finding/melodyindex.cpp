@@ -43,7 +43,7 @@ int intervalValue(int from, int to)
 int gramKey(const QVector<quint8> &pitches, int at)
 {
     return intervalValue(pitches.at(at), pitches.at(at + 1)) * kIntervalValues
-           + intervalValue(pitches.at(at + 1), pitches.at(at + 2));
+        + intervalValue(pitches.at(at + 1), pitches.at(at + 2));
 }
 
 bool sameLength(float a, float b)
@@ -79,7 +79,7 @@ qint64 MelodyIndex::memoryBytes() const
     qint64 bytes = (m_offsets.capacity() + m_postings.capacity()) * qint64(sizeof(quint32));
     for (const Melody &m : m_melodies)
         bytes += sizeof(Melody) + m.pitches.capacity() * qint64(sizeof(quint8))
-                 + m.lengths.capacity() * qint64(sizeof(float));
+            + m.lengths.capacity() * qint64(sizeof(float));
     return bytes;
 }
 
@@ -88,7 +88,8 @@ int MelodyIndex::perfectScore(const Melody &query)
     return kMatch * query.size();
 }
 
-int MelodyIndex::align(const Melody &query, const Melody &melody, int transposition, bool rhythm, int from, int to)
+int MelodyIndex::align(
+    const Melody &query, const Melody &melody, int transposition, bool rhythm, int from, int to)
 {
     const int m = query.size();
     const int n = to < 0 ? melody.size() : qMin(to, melody.size());
@@ -105,8 +106,9 @@ int MelodyIndex::align(const Melody &query, const Melody &melody, int transposit
         for (int i = 1; i <= m; ++i) {
             int step = kMismatch;
             if (query.pitches.at(i - 1) == pitch)
-                step = rhythm && !sameLength(query.lengths.at(i - 1), melody.lengths.at(j)) ? kHalfMatch : kMatch;
-            const int score = std::max({diagonal + step, column[i] + kGap, column[i - 1] + kGap});
+                step = rhythm && !sameLength(query.lengths.at(i - 1), melody.lengths.at(j)) ? kHalfMatch
+                                                                                            : kMatch;
+            const int score = std::max({ diagonal + step, column[i] + kGap, column[i - 1] + kGap });
             diagonal = column[i];
             column[i] = score;
         }
@@ -134,7 +136,7 @@ QVector<MelodyMatch> MelodyIndex::search(const Melody &query, const MelodySearch
         const int key = gramKey(query.pitches, at);
         auto it = std::find_if(grams.begin(), grams.end(), [key](const Gram &g) { return g.key == key; });
         if (it == grams.end()) {
-            Gram gram{key, {}};
+            Gram gram { key, {} };
             gram.at.append(at);
             grams.append(gram);
         } else {
@@ -160,7 +162,9 @@ QVector<MelodyMatch> MelodyIndex::search(const Melody &query, const MelodySearch
             }
         }
     }
-    const auto heavier = [&weight](int a, int b) { return weight.at(a) > weight.at(b) || (weight.at(a) == weight.at(b) && a < b); };
+    const auto heavier = [&weight](int a, int b) {
+        return weight.at(a) > weight.at(b) || (weight.at(a) == weight.at(b) && a < b);
+    };
     QVector<int> kept;
     for (int entry = 0; entry < count; ++entry)
         if (weight.at(entry) > 0)
@@ -204,7 +208,8 @@ QVector<MelodyMatch> MelodyIndex::search(const Melody &query, const MelodySearch
         while (end < hits.size() && hits.at(end) == hits.at(h))
             ++end;
         const int k = int(hits.at(h) >> 40);
-        Seed seed{int((hits.at(h) >> 24) & 0xFFFF) - 128, int(hits.at(h) & 0xFFFFFF) - kDiagonalBias, int(end - h)};
+        Seed seed { int((hits.at(h) >> 24) & 0xFFFF) - 128, int(hits.at(h) & 0xFFFFFF) - kDiagonalBias,
+            int(end - h) };
         // The diagonal just before, at the same transposition, joins the phrase.
         if (previousRun >= 0 && (hits.at(previousRun) >> 24) == (hits.at(h) >> 24)
             && (hits.at(previousRun) & 0xFFFFFF) + 1 == (hits.at(h) & 0xFFFFFF)) {
@@ -226,7 +231,7 @@ QVector<MelodyMatch> MelodyIndex::search(const Melody &query, const MelodySearch
     std::iota(candidates.begin(), candidates.end(), 0);
     const auto stronger = [&](int a, int b) {
         return seeds.at(a)[0].count > seeds.at(b)[0].count
-               || (seeds.at(a)[0].count == seeds.at(b)[0].count && heavier(kept.at(a), kept.at(b)));
+            || (seeds.at(a)[0].count == seeds.at(b)[0].count && heavier(kept.at(a), kept.at(b)));
     };
     if (candidates.size() > kCandidates) {
         std::nth_element(candidates.begin(), candidates.begin() + kCandidates, candidates.end(), stronger);
@@ -236,13 +241,14 @@ QVector<MelodyMatch> MelodyIndex::search(const Melody &query, const MelodySearch
     // The alignment ranks: around each seed, a window wide enough for a few gaps.
     for (int k : std::as_const(candidates)) {
         const Melody &melody = m_melodies.at(kept.at(k));
-        MelodyMatch match{kept.at(k), std::numeric_limits<int>::min(), 0};
+        MelodyMatch match { kept.at(k), std::numeric_limits<int>::min(), 0 };
         for (const Seed &seed : seeds.at(k)) {
             if (seed.count == 0)
                 break;
             const int from = qMax(0, seed.diagonal - m);
             const int to = qMin(melody.size(), seed.diagonal + 2 * m + 1);
-            match.score = std::max(match.score, align(query, melody, seed.transposition, options.rhythm, from, to));
+            match.score
+                = std::max(match.score, align(query, melody, seed.transposition, options.rhythm, from, to));
         }
         if (match.score == std::numeric_limits<int>::min())
             continue;

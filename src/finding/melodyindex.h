@@ -32,8 +32,8 @@ struct MelodySearchOptions
 
 struct MelodyMatch
 {
-    int entry = 0;    // the melody's number in the index, which is its place in tree order
-    int score = 0;    // the alignment's score; higher is better
+    int entry = 0; // the melody's number in the index, which is its place in tree order
+    int score = 0; // the alignment's score; higher is better
     // The score over the best a fragment of that length can reach, from 0 to 1.
     double ratio = 0;
 };
@@ -58,7 +58,8 @@ public:
 
     // The alignment of a query at one transposition over the notes `from` .. `to` of a melody
     // (to -1: its end): the query is aligned from end to end, the melody anywhere.
-    static int align(const Melody &query, const Melody &melody, int transposition, bool rhythm, int from = 0, int to = -1);
+    static int align(
+        const Melody &query, const Melody &melody, int transposition, bool rhythm, int from = 0, int to = -1);
     // What `align` gives a query matched note for note.
     static int perfectScore(const Melody &query);
 

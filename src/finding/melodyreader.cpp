@@ -17,18 +17,26 @@ constexpr int kMaxNotes = 20000;
 int letterIndex(QChar letter)
 {
     switch (letter.toUpper().unicode()) {
-    case 'C': return 0;
-    case 'D': return 1;
-    case 'E': return 2;
-    case 'F': return 3;
-    case 'G': return 4;
-    case 'A': return 5;
-    case 'B': return 6;
-    default: return -1;
+    case 'C':
+        return 0;
+    case 'D':
+        return 1;
+    case 'E':
+        return 2;
+    case 'F':
+        return 3;
+    case 'G':
+        return 4;
+    case 'A':
+        return 5;
+    case 'B':
+        return 6;
+    default:
+        return -1;
     }
 }
 
-constexpr int kSemitones[7] = {0, 2, 4, 5, 7, 9, 11};
+constexpr int kSemitones[7] = { 0, 2, 4, 5, 7, 9, 11 };
 
 // The letters a K: value alters and by how much: +1 or -1 per letter, C to B. A key the table
 // does not know (none, the pipes' HP) leaves every letter natural.
@@ -204,9 +212,9 @@ private:
     static bool kept(QChar c)
     {
         const char16_t u = c.unicode();
-        return (u >= 'A' && u <= 'G') || (u >= 'a' && u <= 'g') || u == 'z' || u == 'Z' || (u >= '0' && u <= '9')
-               || u == '^' || u == '_' || u == '=' || u == ',' || u == '\'' || u == '/' || u == '(' || u == '-'
-               || u == '<' || u == '>';
+        return (u >= 'A' && u <= 'G') || (u >= 'a' && u <= 'g') || u == 'z' || u == 'Z'
+            || (u >= '0' && u <= '9') || u == '^' || u == '_' || u == '=' || u == ',' || u == '\'' || u == '/'
+            || u == '(' || u == '-' || u == '<' || u == '>';
     }
 
     // A chord of notes: its highest note stands for it, with the length written behind it.
@@ -248,7 +256,7 @@ private:
         if (letter < 0)
             return -1;
         return 60 + kSemitones[letter] + (token[i].isLower() ? 12 : 0) + octaveMarks(token.mid(i + 1))
-               + (explicitSign ? alter : m_key[letter]);
+            + (explicitSign ? alter : m_key[letter]);
     }
 
     static int octaveMarks(QStringView rest)
@@ -404,13 +412,14 @@ private:
         const int li = letterIndex(letter);
         if (li < 0)
             return;
-        const int place = li * 16 + qBound(0, (letter.isLower() ? 8 : 4) + octave / 12, 15); // letter and octave
+        const int place
+            = li * 16 + qBound(0, (letter.isLower() ? 8 : 4) + octave / 12, 15); // letter and octave
         int alter;
         if (!sign.isEmpty()) {
             alter = 0;
             for (QChar s : sign)
                 alter += s == u'^' ? 1 : s == u'_' ? -1 : 0;
-            m_barAlter[place] = {m_barNumber, alter};
+            m_barAlter[place] = { m_barNumber, alter };
         } else {
             alter = m_barAlter[place].bar == m_barNumber ? m_barAlter[place].alter : m_key[li];
         }

@@ -55,7 +55,7 @@ void MelodySimilar::refresh()
         if (old != m_cache.end() && old->fingerprint == prints.at(i))
             entry = std::move(*old);
         else
-            entry = {prints.at(i), readTuneMelody(store.GetStringTune(keys.at(i), false, 0))};
+            entry = { prints.at(i), readTuneMelody(store.GetStringTune(keys.at(i), false, 0)) };
         melodies.append(entry.melody);
         cache.insert(keys.at(i), std::move(entry));
     }
@@ -78,11 +78,13 @@ QVector<SimilarTune> MelodySimilar::search(const SimilarQuery &query)
     return searchIndexed(readMelodyFragment(query.fragment, query.key, query.unit), query.options);
 }
 
-QVector<SimilarTune> MelodySimilar::searchIndexed(const Melody &query, const MelodySearchOptions &options) const
+QVector<SimilarTune> MelodySimilar::searchIndexed(
+    const Melody &query, const MelodySearchOptions &options) const
 {
     QVector<SimilarTune> tunes;
     for (const MelodyMatch &match : m_index.search(query, options))
-        tunes.append({m_keys.at(match.entry), m_captions.at(match.entry), match.entry + 1, match.score, match.ratio});
+        tunes.append({ m_keys.at(match.entry), m_captions.at(match.entry), match.entry + 1, match.score,
+            match.ratio });
     return tunes;
 }
 

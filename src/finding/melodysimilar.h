@@ -25,7 +25,7 @@ struct SimilarTune
 struct SimilarQuery
 {
     QString fragment;
-    QString key;  // a K: value; empty: C major
+    QString key; // a K: value; empty: C major
     QString unit; // an L: value; empty: 1/8
     MelodySearchOptions options;
 };
@@ -33,7 +33,9 @@ struct SimilarQuery
 class MelodySimilar
 {
 public:
-    explicit MelodySimilar(AppContext &app) : m_app(app) { }
+    explicit MelodySimilar(AppContext &app)
+        : m_app(app)
+    { }
 
     // Reads again the tunes that changed since the last call (all of them the first time) and
     // rebuilds the index when anything did. Cheap when nothing changed: the tunes' lines are
@@ -58,7 +60,7 @@ private:
 
     AppContext &m_app;
     MelodyIndex m_index;
-    QStringList m_keys;     // in index order
+    QStringList m_keys; // in index order
     QStringList m_captions;
     QHash<QString, Cached> m_cache;
     size_t m_fingerprint = 0; // of the whole, in order
