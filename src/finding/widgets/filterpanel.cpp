@@ -30,6 +30,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <limits>
+
 namespace fenwork {
 
 namespace {
@@ -412,10 +414,18 @@ void FilterPanel::searchSimilar()
     QVector<SimilarTune> found;
     {
         BusyScope busy(ui);
-        m_filter->clear();
-        for (const SimilarTune &tune : m_similarSearch->search(query))
-            if (tune.ratio >= kLeast)
+        // As the filter does: all the tunes, or only those the last search left shown.
+        const bool shownOnly = FilterDomain(qMax(0, m_domain->currentIndex())) == FilterDomain::ShownTunes;
+        if (!shownOnly)
+            m_filter->clear();
+        else
+            query.options.top = std::numeric_limits<int>::max();
+        WorkspaceTree &tree = m_app.tree();
+        for (const SimilarTune &tune : m_similarSearch->search(query)) {
+            const Node *node = tree.find(tune.key);
+            if (found.size() < kShown && tune.ratio >= kLeast && node && node->ForeColor != color::TuneLeftOut)
                 found.append(tune);
+        }
         QSet<QString> keys;
         QVector<ChoiceItem> items;
         for (const SimilarTune &tune : std::as_const(found)) {
@@ -423,7 +433,6 @@ void FilterPanel::searchSimilar()
             items.append({tune.key, tune.caption, 1});
         }
         // Greyed as the filter greys, so that removing the filter shows every tune again.
-        WorkspaceTree &tree = m_app.tree();
         const Node *root = tree.root();
         for (int f = 1; root && f < root->childCount(); ++f) {
             const Node *body = root->child(f)->child(1);
