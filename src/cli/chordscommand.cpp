@@ -3,8 +3,8 @@
 #include "cli/clicommands.h"
 #include "frame/appcontext.h"
 #include "frame/strutil.h"
-#include "store/tunestore.h"
 #include "store/node.h"
+#include "store/tunestore.h"
 #include "store/workspacetree.h"
 #include "tools/chords.h"
 

@@ -4,6 +4,7 @@
 #include "cli/findcommand.h"
 #include "cli/rendercommand.h"
 #include "cli/similarcommand.h"
+#include "cli/toolscommand.h"
 
 #include "frame/appcontext.h"
 #include "frame/clidialogs.h"
@@ -23,12 +24,12 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("fenwork-cli"));
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty()) {
-        cli::writeErr(cli::helpText() + u'\n' + renderCommandHelp());
+        cli::writeErr(cli::helpText() + u'\n' + renderCommandHelp() + u'\n' + toolsCommandHelp());
         return cli::Usage;
     }
     const QString command = args.takeFirst();
     if (command == u"help" || command == u"--help" || command == u"-h") {
-        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp());
+        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp() + u'\n' + toolsCommandHelp());
         return cli::Ok;
     }
 
@@ -76,6 +77,8 @@ int main(int argc, char **argv)
         return cli::dupx(app, args);
     if (command == u"chords")
         return runChordsCommand(app, args);
+    if (isToolsCommand(command))
+        return runToolsCommand(app, command, args);
     cli::writeErr(QStringLiteral("fenwork-cli: unknown command '") + command
         + QStringLiteral("'\nTry 'fenwork-cli --help'.\n"));
     return cli::Usage;

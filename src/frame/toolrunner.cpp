@@ -290,6 +290,19 @@ int ToolRunner::runningCount() const
     return count;
 }
 
+void ToolRunner::endWriters(const QString &file)
+{
+    const QString path = QDir::cleanPath(QDir(cacheFolder()).absoluteFilePath(file));
+    const QString fileName = QFileInfo(path).fileName();
+    for (const Started &started : std::as_const(m_started)) {
+        if (started.process->state() != QProcess::NotRunning && started.names(path, fileName)) {
+            started.process->kill();
+            started.process->waitForFinished(1000);
+        }
+    }
+    prune();
+}
+
 bool ToolRunner::startCommand(const QString &command, int windowMode, QString *error)
 {
     prune();

@@ -86,6 +86,9 @@ public:
 
     // Hidden processes started and still running.
     int runningCount() const;
+    // Ends the processes still running that name `file`: a tool that hangs past its wait would
+    // otherwise hold up every later wait for the same file.
+    void endWriters(const QString &file);
 
 private:
     struct Started

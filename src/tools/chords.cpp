@@ -8,6 +8,8 @@
 #include "tools/keybars.h"
 #include "tools/notetokens.h"
 
+#include <QHash>
+
 #include <exception>
 
 namespace fenwork {
@@ -22,13 +24,13 @@ struct Mode
 };
 
 const Mode modes[] = {
-    {"maj", {0, 2, 4, 5, 7, 9, 11}, {"", "m", "m", "", "", "m", "mdim"}},
-    {"min", {0, 2, 3, 5, 7, 8, 10}, {"m", "dim", "", "m", "m", "", ""}},
-    {"mix", {0, 2, 4, 5, 7, 9, 10}, {"", "m", "mdim", "", "7", "m", ""}},
-    {"dor", {0, 2, 3, 5, 7, 9, 10}, {"m", "m", "", "", "m", "mdim", ""}},
-    {"phr", {0, 1, 3, 5, 7, 8, 10}, {"m", "", "", "m", "m", "", "m"}},
-    {"lyd", {0, 2, 4, 6, 7, 9, 11}, {"", "m", "m", "m", "", "m", "m"}},
-    {"loc", {0, 1, 3, 5, 6, 8, 10}, {"m", "", "m", "m", "", "", "m"}},
+    { "maj", { 0, 2, 4, 5, 7, 9, 11 }, { "", "m", "m", "", "", "m", "mdim" } },
+    { "min", { 0, 2, 3, 5, 7, 8, 10 }, { "m", "dim", "", "m", "m", "", "" } },
+    { "mix", { 0, 2, 4, 5, 7, 9, 10 }, { "", "m", "mdim", "", "7", "m", "" } },
+    { "dor", { 0, 2, 3, 5, 7, 9, 10 }, { "m", "m", "", "", "m", "mdim", "" } },
+    { "phr", { 0, 1, 3, 5, 7, 8, 10 }, { "m", "", "", "m", "m", "", "m" } },
+    { "lyd", { 0, 2, 4, 6, 7, 9, 11 }, { "", "m", "m", "m", "", "m", "m" } },
+    { "loc", { 0, 1, 3, 5, 6, 8, 10 }, { "m", "", "m", "m", "", "", "m" } },
 };
 
 const Mode *findMode(QStringView name)
@@ -81,6 +83,10 @@ bool pendingRepeatStart = false;
 
 DegreeTable degreeTable(const QString &keyName)
 {
+    // Every bar asks again for the same few keys.
+    static QHash<QString, DegreeTable> made;
+    if (const auto it = made.constFind(keyName); it != made.constEnd())
+        return *it;
     DegreeTable table;
     if (keyName.size() < 4)
         return table;
@@ -90,7 +96,7 @@ DegreeTable degreeTable(const QString &keyName)
     if (!mode || !known)
         return table;
     static const QString names = QStringLiteral("CDEFGAB");
-    static const int naturals[7] = {0, 2, 4, 5, 7, 9, 11};
+    static const int naturals[7] = { 0, 2, 4, 5, 7, 9, 11 };
     const int tonicLetter = int(names.indexOf(keyName.at(0)));
     int tonicPitch = naturals[tonicLetter];
     if (keyName.at(1) == QLatin1Char('#'))
@@ -110,9 +116,12 @@ DegreeTable degreeTable(const QString &keyName)
         const bool plain = keyName == QLatin1String("D#dor") && k == 5;
         table.chords << name + (plain ? QString() : QLatin1String(mode->suffixes[k]));
     }
+    made.insert(keyName, table);
     return table;
 }
 
+// One rule a line reads as the table it is.
+// clang-format off
 QString ChordRulesMajor(const QStringList &letters, const QStringList &chords, const QString &notes, bool diagnostic)
 {
     const Judge j{letters, notes};
@@ -202,6 +211,7 @@ QString ChordRulesCommon(const QStringList &letters, const QStringList &chords, 
     if (j.has(1)) return chords[1];
     return none(diagnostic);
 }
+// clang-format on
 
 bool isRefusedLine(const QVector<QStringList> &choice)
 {
@@ -239,7 +249,7 @@ QVector<QStringList> ChooseChords(const QVector<BarRecord> &bars, bool twoPerBar
             if (text.isEmpty() && h + 1 < texts.size())
                 text = texts.at(h + 1);
             if (!findMode(mode))
-                return {QStringList{QStringLiteral("*")}};
+                return { QStringList { QStringLiteral("*") } };
             const DegreeTable table = degreeTable(keyName);
             if (table.letters.isEmpty()) { // a tonic no table has: no chord, and no message
                 result[h][i] = current;
@@ -263,13 +273,13 @@ QVector<QStringList> ChooseChords(const QVector<BarRecord> &bars, bool twoPerBar
 }
 
 QString AddChords(const AppContext &app, const QString &text, bool twoPerBar, bool diagnostic,
-                  const std::function<void(bool)> &setOwnerVisible)
+    const std::function<void(bool)> &setOwnerVisible)
 {
     try {
         QStringList lines = text.split(CRLF);
         QString key = QStringLiteral("C"), meter = QStringLiteral("none"), unit = QStringLiteral("1/8");
         bool refused = false;
-        RegExp quoted;
+        static RegExp quoted;
         quoted.Global = true;
         quoted.Pattern = QStringLiteral("\".*?\"");
         for (QString &line : lines) {
@@ -297,12 +307,12 @@ QString AddChords(const AppContext &app, const QString &text, bool twoPerBar, bo
         if (refused) {
             if (diagnostic) {
                 app.ui().message(QStringLiteral("Some lines show a key which may not be possible"),
-                                 UserDialogs::Icon::Information);
+                    UserDialogs::Icon::Information);
             } else {
                 if (setOwnerVisible)
                     setOwnerVisible(false);
                 app.ui().message(app.text(QStringLiteral("Tools"), QStringLiteral("<keyNotHdl>")),
-                                 UserDialogs::Icon::Warning);
+                    UserDialogs::Icon::Warning);
                 if (setOwnerVisible)
                     setOwnerVisible(true);
             }

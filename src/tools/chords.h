@@ -24,13 +24,15 @@ DegreeTable degreeTable(const QString &keyName);
 
 // The chord rules of each mode: a chord of `chords`, or "" ("xxx" when `diagnostic`) when no rule
 // applies. `notes` is the upper-cased text of the bar or half bar.
-QString ChordRulesMajor(const QStringList &letters, const QStringList &chords, const QString &notes, bool diagnostic);
-QString ChordRulesDorian(const QStringList &letters, const QStringList &chords, const QString &notes, bool diagnostic);
+QString ChordRulesMajor(
+    const QStringList &letters, const QStringList &chords, const QString &notes, bool diagnostic);
+QString ChordRulesDorian(
+    const QStringList &letters, const QStringList &chords, const QString &notes, bool diagnostic);
 QString ChordRulesMixolydian(const QStringList &letters, const QStringList &chords, const QString &notes,
-                             const QString &previous, bool diagnostic);
+    const QString &previous, bool diagnostic);
 // Minor, phrygian, lydian and locrian share one list.
 QString ChordRulesCommon(const QStringList &letters, const QStringList &chords, const QString &notes,
-                         const QString &previous, bool diagnostic);
+    const QString &previous, bool diagnostic);
 
 // The chords of one music line: result[slot][bar], slot 0 and, with `twoPerBar`, slot 1; "" is no
 // chord. A line whose key has a mode the rules do not know gives the single element {{"*"}}.
@@ -42,6 +44,6 @@ bool isRefusedLine(const QVector<QStringList> &choice);
 // says so; `setOwnerVisible`, when given, hides the calling window while it shows. Returns the
 // new text, CR LF lines.
 QString AddChords(const AppContext &app, const QString &text, bool twoPerBar, bool diagnostic,
-                  const std::function<void(bool)> &setOwnerVisible = {});
+    const std::function<void(bool)> &setOwnerVisible = {});
 
 } // namespace fenwork

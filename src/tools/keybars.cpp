@@ -25,8 +25,7 @@ bool isNoteLetter(QChar c)
 }
 
 // Removes every match of `re` from `text` except those `keep` accepts.
-template<typename Keep>
-QString deleteMatches(RegExp &re, const QString &text, Keep keep)
+template <typename Keep> QString deleteMatches(RegExp &re, const QString &text, Keep keep)
 {
     QString out;
     out.reserve(text.size());
@@ -74,26 +73,32 @@ QStringList words(const QString &text)
     return text.isEmpty() ? QStringList() : text.split(blank);
 }
 
-// The length of one note word in unit notes, read digit by digit. Returns how many of the words
-// that follow belong to a tuplet and count nothing.
+// The length of one note word in unit notes, read digit by digit: "/" with an optional digit, a
+// digit, or "(" and a digit (a tuplet). Returns how many of the words that follow belong to the
+// tuplet and count nothing.
 int addLength(const QString &word, const QString &key, float &total)
 {
-    const QVector<RegExpMatch> found = globalRegExp("/\\d?|\\d|\\(\\d").Execute(word);
-    if (found.isEmpty()) {
-        total += 1.0f;
-        return 0;
-    }
+    bool matched = false;
     int skip = 0;
-    for (const RegExpMatch &m : found) {
-        const QString &v = m.value;
-        if (v == QLatin1String("/")) {
-            total += 0.5f;
-        } else if (v.startsWith(QLatin1Char('/'))) {
-            const int d = v.at(1).digitValue();
+    const qsizetype n = word.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = word.at(i);
+        const bool digitNext = i + 1 < n && word.at(i + 1).isDigit();
+        if (c == QLatin1Char('/')) {
+            matched = true;
+            if (!digitNext) {
+                total += 0.5f;
+                continue;
+            }
+            const int d = word.at(++i).digitValue();
             if (d != 0) // "/0" would divide by zero: it adds nothing
                 total += 1.0f / float(d);
-        } else if (v.startsWith(QLatin1Char('('))) {
-            const int d = v.at(1).digitValue();
+        } else if (c.isDigit()) {
+            matched = true;
+            total += float(c.digitValue());
+        } else if (c == QLatin1Char('(') && digitNext) {
+            matched = true;
+            const int d = word.at(++i).digitValue();
             if (d == 2 || d == 4 || d == 8)
                 total += 3.0f;
             else if (d == 3 || d == 6)
@@ -101,38 +106,48 @@ int addLength(const QString &word, const QString &key, float &total)
             else if (d == 5 || d == 7 || d == 9)
                 total += key.contains(QLatin1String("/8")) ? 3.0f : 2.0f;
             skip += d;
-        } else {
-            total += float(v.at(0).digitValue());
         }
     }
+    if (!matched)
+        total += 1.0f;
     return skip;
 }
 
+// The end (0-based, exclusive) of the first match in `subject` of the words joined by "any text
+// but a line feed", as a lazy regular expression would find it; -1 when there is none.
+qsizetype matchWordsInOrder(const QStringList &words, QStringView subject)
+{
+    for (qsizetype start = subject.indexOf(words.first()); start >= 0;
+         start = subject.indexOf(words.first(), start + 1)) {
+        qsizetype end = start + words.first().size();
+        bool found = true;
+        for (qsizetype k = 1; k < words.size() && found; ++k) {
+            const qsizetype at = subject.indexOf(words.at(k), end);
+            found = at >= 0 && !subject.mid(end, at - end).contains(QLatin1Char('\n'));
+            end = at + words.at(k).size();
+        }
+        if (found)
+            return end;
+    }
+    return -1;
+}
+
 // Where the second chord of a bar goes: right behind the first half's notes as found in the line
-// from the bar's chord position on. Of the matches that start there, the one ending first wins.
+// from the bar's chord position on. Of the matches found there, the one ending first wins.
 int middlePosition(const QString &line, int chordPos, const QString &firstHalf)
 {
     if (firstHalf.isEmpty())
         return 0;
-    QString pattern = firstHalf;
-    pattern.replace(QLatin1Char('^'), QLatin1String("\\^"));
-    pattern.replace(QLatin1Char('('), QLatin1String("\\("));
-    pattern.replace(blank, QLatin1String(".*?"));
-    RegExp re;
-    re.Pattern = pattern;
-    QString subject = line.mid(chordPos - 1);
-    int end = -1;
-    for (;;) {
-        const QVector<RegExpMatch> found = re.Execute(subject);
-        if (found.isEmpty())
+    const QStringList parts = firstHalf.split(blank);
+    QStringView subject = QStringView(line).mid(qMin(qsizetype(chordPos - 1), line.size()));
+    qsizetype end = -1;
+    for (qsizetype found; (found = matchWordsInOrder(parts, subject)) >= 0;) {
+        end = found;
+        if (found == 0)
             break;
-        const RegExpMatch &m = found.first();
-        end = int(m.firstIndex + m.length);
-        if (m.length == 0)
-            break;
-        subject.truncate(end - 1);
+        subject = subject.left(found - 1);
     }
-    return end < 0 ? 0 : chordPos + end;
+    return end < 0 ? 0 : chordPos + int(end);
 }
 
 void fillPitchFields(BarRecord &bar, const QString &barText, const QString &accidentals)
@@ -203,8 +218,14 @@ QString cleanLine(const QString &line, bool &pendingRepeatStart)
     w = trimBlanks(w);
     w = globalRegExp("\\| *?\\|", true).Replace(w, QStringLiteral("||"));
     static const char16_t *const replacements[][2] = {
-        {u"::", u":|:"}, {u":||:", u":|:"}, {u"[|", u"|"}, {u"|]", u"|"},
-        {u"||", u"|"},   {u"\\", u""},      {u"*", u""},   {u"-", u""},
+        { u"::", u":|:" },
+        { u":||:", u":|:" },
+        { u"[|", u"|" },
+        { u"|]", u"|" },
+        { u"||", u"|" },
+        { u"\\", u"" },
+        { u"*", u"" },
+        { u"-", u"" },
     };
     for (const auto &r : replacements)
         w = replaceAll(w, QStringView(r[0]), QStringView(r[1]));
@@ -259,13 +280,13 @@ QString ClassifyAbcLine(const QString &line, QString &key, QString &meter, QStri
     return QStringLiteral("mus");
 }
 
-QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QString &meter, bool withDegrees,
-                               bool &pendingRepeatStart)
+QVector<BarRecord> AnalyseBars(
+    const QString &line, const QString &key, const QString &meter, bool withDegrees, bool &pendingRepeatStart)
 {
     Q_UNUSED(withDegrees)
     const QString trimmed = trimBlanks(line);
     if (trimmed.isEmpty() || trimmed == QLatin1String("|"))
-        return {BarRecord()};
+        return { BarRecord() };
 
     const QStringList pieces = cleanLine(trimmed, pendingRepeatStart).split(QLatin1Char('|'));
 
@@ -276,8 +297,8 @@ QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QS
     const QString barKey = normaliseKey(key);
     const QString accidentals = keyAccidentals(keyNameOf(barKey));
 
-    static const char *const notePattern =
-        "~|\\[.*?\\]\\d?|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|\\(\\d|\\[H-Yh-y]\\d?|\\W";
+    static const char *const notePattern
+        = "~|\\[.*?\\]\\d?|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|\\(\\d|\\[H-Yh-y]\\d?|\\W";
     static const char *const pitchPattern = "~|\\[.*?\\]|{.*?}|\".*?\"|\\+.*?\\+|!.*?!|[Zz]|\\W|\\d";
 
     QVector<BarRecord> bars;
@@ -311,6 +332,8 @@ QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QS
             const int from = bars.at(i - 1).chordPos;
             int pos = int(line.indexOf(QLatin1Char('|'), from - 1)) + 1;
             const int colon = int(line.indexOf(QLatin1Char(':'), from - 1)) + 1;
+            // A "::" makes two bars of the copy with no "|" between them in the line: its colon
+            // stands for the bar line; with neither left, the chord goes at the line's end.
             if (colon > 0 && (colon < pos || pos == 0))
                 pos = colon;
             if (pos == 0)
@@ -367,7 +390,8 @@ QVector<BarRecord> AnalyseBars(const QString &line, const QString &key, const QS
         bar.notesInKey = ApplyKeySignature(bar.notes, accidentals);
 
         const qsizetype star = bar.notes.indexOf(QLatin1Char('*'));
-        bar.midPos = middlePosition(line, bar.chordPos, trimBlanks(star < 0 ? QString() : bar.notes.left(star)));
+        bar.midPos
+            = middlePosition(line, bar.chordPos, trimBlanks(star < 0 ? QString() : bar.notes.left(star)));
 
         bar.pitches = TokeniseNotes(deleteMatches(globalRegExp(pitchPattern), text, [](const QString &v) {
             return v == QLatin1String(",") || v == QLatin1String("'") || v == QLatin1String("^")

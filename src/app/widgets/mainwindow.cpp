@@ -383,6 +383,7 @@ void MainWindow::connectCommands()
         });
     }
     m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
+    connectToolsCommands();
 }
 
 void MainWindow::NodeClick(const QString &key)

@@ -80,6 +80,7 @@ protected:
 private:
     void buildPanels();
     void connectCommands();
+    void connectToolsCommands();
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 

@@ -431,6 +431,9 @@ void EditController::popupMenu(const QPoint &pos)
     m_popup->addAction(QIcon::fromTheme(QStringLiteral("edit-select-all")),
         QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText), editor,
         &QPlainTextEdit::selectAll);
+    m_popup->addSeparator();
+    QAction *tools = m_popup->addAction(text("<tuneTools>"), this, &EditController::tuneToolsRequested);
+    tools->setEnabled(editing && isEditingTune());
     m_popup->popup(editor->viewport()->mapToGlobal(pos));
 }
 

@@ -78,6 +78,9 @@ public:
     void defineInsertion();
     // Ctrl+M: renumbers the "%%|" bar markers; Alt+M first puts one at the caret.
     void numberBars(bool insertMarker);
+    // The whole text replaced, as one change the undo ring keeps, and coloured anew: what the
+    // tune tools give back. False when no session runs.
+    bool replaceText(const QString &text);
 
 signals:
     // validsave wants the file saved, Ctrl+P the tune played: the window runs its own command,
@@ -88,6 +91,8 @@ signals:
     // tool bar, the score's pause, the player's next and previous, the one-line boxes, the drone.
     void sessionStarted(bool tune, const QString &editedKey);
     void sessionEnded(const QString &editedKey, bool validated);
+    // The pop-up menu's tune tools entry.
+    void tuneToolsRequested();
     // A tune's text went into the file: the old version must not go on sounding.
     void tuneValidated();
     // The score should show `text`; `evenIfPaused` for a redraw the user asked for.

@@ -33,6 +33,14 @@ void EditController::bt_Transpose_Click(int index)
     replaceAllText(fromStoreText(moved));
 }
 
+bool EditController::replaceText(const QString &text)
+{
+    if (!isEditing())
+        return false;
+    replaceAllText(text);
+    return true;
+}
+
 void EditController::replaceAllText(const QString &text)
 {
     QPlainTextEdit *editor = m_panel->editor();
