@@ -2,6 +2,7 @@
 
 #include "cli/chordscommand.h"
 #include "cli/findcommand.h"
+#include "cli/similarcommand.h"
 #include "store/duplicates.h"
 #include "frame/appcontext.h"
 #include "frame/paths.h"
@@ -80,6 +81,8 @@ QString helpText()
                "  find IN ...         Print the captions of the tunes of IN that pass the tune filter\n"
                "                      (see below).\n"
                "  chords IN X [--two] Print tune X of IN with a chord in front of every bar (see below).\n"
+               "  similar IN ...      Rank the tunes of IN by how well a melody fragment, in any key\n"
+               "                      and with a wrong note, fits them (see below).\n"
                "  help, --help, -h    Print this text.\n"
                "\n"
                "Only normalize writes IN.BAK; the other commands leave IN and its backup as they are.\n"
@@ -88,7 +91,7 @@ QString helpText()
                "\n"
                "Exit status: 0 done, 1 a file could not be read or written (or the program's fatal\n"
                "\"kFile is empty\" state), 2 wrong command line.\n")
-        + u'\n' + findCommandHelp() + u'\n' + chordsCommandHelp();
+        + u'\n' + findCommandHelp() + u'\n' + chordsCommandHelp() + u'\n' + similarCommandHelp();
 }
 
 int normalize(AppContext &app, const QStringList &args)

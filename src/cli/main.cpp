@@ -5,6 +5,7 @@
 #include "cli/publishcommand.h"
 #include "cli/listcommand.h"
 #include "cli/rendercommand.h"
+#include "cli/similarcommand.h"
 #include "cli/toolscommand.h"
 
 #include "frame/appcontext.h"
@@ -57,6 +58,13 @@ int main(int argc, char **argv)
         out.setEncoding(QStringConverter::Utf8);
         err.setEncoding(QStringConverter::Utf8);
         return runFindCommand(args, out, err);
+    }
+    if (command == u"similar") {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runSimilarCommand(args, out, err);
     }
 
     // The same user root as the program: settings and language come from there.

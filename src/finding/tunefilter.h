@@ -96,6 +96,7 @@ public:
 
     // The working list that a search fills; none: the outcome still lists what was found.
     void setChoiceList(ChoiceList *list) { m_choiceList = list; }
+    ChoiceList *choiceList() const { return m_choiceList; }
     // Told when the colours and the flag are settled, before any closing message: by clear()
     // with false, at the end of a search that ran its course with true.
     std::function<void(bool searched)> settled;

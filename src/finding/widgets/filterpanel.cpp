@@ -1,12 +1,18 @@
 #include "finding/widgets/filterpanel.h"
 
+#include "collections/choicelist.h"
 #include "finding/masks.h"
+#include "finding/melodysimilar.h"
+#include "frame/commandstate.h"
+#include "frame/strutil.h"
 #include "frame/appcontext.h"
 #include "frame/language.h"
 #include "frame/userdialogs.h"
 #include "frame/widgets/presetnamebox.h"
 #include "frame/widgets/icons.h"
+#include "store/node.h"
 #include "store/treeops.h"
+#include "store/workspacetree.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -23,6 +29,8 @@
 #include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <limits>
 
 namespace fenwork {
 
@@ -63,7 +71,8 @@ QString objectNameOf(const char *base, int row)
 } // namespace
 
 FilterPanel::FilterPanel(AppContext &app, QWidget *parent)
-    : QWidget(parent), m_app(app), m_filter(std::make_unique<TuneFilter>(app))
+    : QWidget(parent), m_app(app), m_filter(std::make_unique<TuneFilter>(app)),
+      m_similarSearch(std::make_unique<MelodySimilar>(app))
 {
     setObjectName(QStringLiteral("pic_search"));
     m_filter->settled = [this](bool searched) { filterSettled(searched); };
@@ -122,6 +131,19 @@ FilterPanel::FilterPanel(AppContext &app, QWidget *parent)
     m_startOnly = new QCheckBox(this);
     m_startOnly->setObjectName(QStringLiteral("chk_startOnly"));
     top->addRow(m_startOnly);
+    // The similar-melody mode, and under it its one option, indented as belonging to it: side
+    // by side they were cut off in the narrow left column.
+    m_similar = new QCheckBox(this);
+    m_similar->setObjectName(QStringLiteral("chk_similar"));
+    top->addRow(m_similar);
+    auto *rhythmRow = new QHBoxLayout;
+    rhythmRow->setContentsMargins(20, 0, 0, 0);
+    m_rhythm = new QCheckBox(this);
+    m_rhythm->setObjectName(QStringLiteral("chk_rhythm"));
+    m_rhythm->setEnabled(false);
+    rhythmRow->addWidget(m_rhythm);
+    top->addRow(rhythmRow);
+    connect(m_similar, &QCheckBox::toggled, this, &FilterPanel::similarToggled);
     m_anywhereLabel = new QLabel(this);
     m_anywhere = new QLineEdit(this);
     m_anywhere->setObjectName(QStringLiteral("txt_anywhere"));
@@ -276,6 +298,11 @@ void FilterPanel::LoadLang()
     m_anywhereLabel->setText(mainForm("<anywhere>"));
     m_fieldsLabel->setText(mainForm("<fields>"));
     m_startOnly->setText(mainForm("<startOnly>"));
+    m_similar->setText(mainForm("<similarMelody>"));
+    m_similar->setToolTip(tip("<similarMelody>"));
+    m_rhythm->setText(mainForm("<similarRhythm>"));
+    m_rhythm->setToolTip(tip("<similarRhythm>"));
+    similarToggled(m_similar->isChecked());
     m_noCaseSens->setText(mainForm("<noCaseSens>"));
     m_invSearch->setText(mainForm("<invSearch>"));
     m_search->setText(mainForm("<applyfiltering>"));
@@ -357,8 +384,89 @@ void FilterPanel::filterSettled(bool searched)
     }
 }
 
+void FilterPanel::similarToggled(bool on)
+{
+    m_rhythm->setEnabled(on);
+    m_startOnly->setEnabled(!on);
+    m_mus->setPlaceholderText(on ? m_app.lang().text(kMainForm, QStringLiteral("<similarHint>")) : QString());
+    // The index is read while the user types the fragment, not when the search is asked for.
+    if (on)
+        QTimer::singleShot(0, this, [this] {
+            BusyScope busy(m_app.ui());
+            m_similarSearch->refresh();
+        });
+}
+
+void FilterPanel::searchSimilar()
+{
+    // The list shows the best few; a tune that shares less than half the fragment is no answer.
+    constexpr int kShown = 20;
+    constexpr double kLeast = 0.5;
+    SimilarQuery query;
+    query.fragment = m_mus->text();
+    query.options.rhythm = m_rhythm->isChecked();
+    query.options.top = kShown;
+    UserDialogs &ui = m_app.ui();
+    if (!MelodySimilar::isSearchable(query)) {
+        ui.message(m_app.text(kMsg, QStringLiteral("<similarTooFew>")), UserDialogs::Icon::Information);
+        return;
+    }
+    QVector<SimilarTune> found;
+    {
+        BusyScope busy(ui);
+        // As the filter does: all the tunes, or only those the last search left shown.
+        const bool shownOnly = FilterDomain(qMax(0, m_domain->currentIndex())) == FilterDomain::ShownTunes;
+        if (!shownOnly)
+            m_filter->clear();
+        else
+            query.options.top = std::numeric_limits<int>::max();
+        WorkspaceTree &tree = m_app.tree();
+        for (const SimilarTune &tune : m_similarSearch->search(query)) {
+            const Node *node = tree.find(tune.key);
+            if (found.size() < kShown && tune.ratio >= kLeast && node && node->ForeColor != color::TuneLeftOut)
+                found.append(tune);
+        }
+        QSet<QString> keys;
+        QVector<ChoiceItem> items;
+        for (const SimilarTune &tune : std::as_const(found)) {
+            keys.insert(tune.key);
+            items.append({tune.key, tune.caption, 1});
+        }
+        // Greyed as the filter greys, so that removing the filter shows every tune again.
+        const Node *root = tree.root();
+        for (int f = 1; root && f < root->childCount(); ++f) {
+            const Node *body = root->child(f)->child(1);
+            if (!body || body->Image != Pic::BdyFile)
+                continue;
+            for (Node *tune : body->children())
+                if (!keys.contains(tune->Key))
+                    tree.setForeColor(tune, color::TuneLeftOut);
+        }
+        const auto policy = FilterResults(qMax(0, m_results->currentIndex()));
+        if (ChoiceList *list = m_filter->choiceList(); list && policy != FilterResults::LeaveList) {
+            if (policy == FilterResults::ReplaceList)
+                list->clear();
+            list->addAll(items);
+        }
+    }
+    emit treeFilterChanged(true);
+    emit showTreeRequested();
+    emit selectNodeRequested(key::Root);
+    if (found.isEmpty()) {
+        ui.message(QStringLiteral("ABC:") + trimBlanks(query.fragment) + CRLF + QStringLiteral("---------") + CRLF
+                       + m_app.text(kMsg, QStringLiteral("<noTuneFound>")),
+                   UserDialogs::Icon::Information);
+    } else {
+        m_app.commands().setEnabled(QStringLiteral("mnu_saveTunesFltr"), true);
+    }
+}
+
 void FilterPanel::bt_Search_Click()
 {
+    if (m_similar->isChecked() && !trimBlanks(m_mus->text()).isEmpty()) {
+        searchSimilar();
+        return;
+    }
     m_filter->search(conditions(), FilterDomain(qMax(0, m_domain->currentIndex())),
                      FilterResults(qMax(0, m_results->currentIndex())));
 }

@@ -17,6 +17,7 @@ namespace fenwork {
 class PresetNameBox;
 
 class AppContext;
+class MelodySimilar;
 
 // The search panel `pic_search`: 33 field rows, the anywhere and melody boxes, the options and
 // the saved masks. Its handlers read the controls, call the filter and the mask store, and
@@ -44,6 +45,9 @@ public:
 
 public slots:
     void bt_Search_Click();
+    // The search in similar-melody mode: the tunes whose melody best holds the fragment, in
+    // any key and with a note wrong, fill the choice list best first; the others are greyed.
+    void searchSimilar();
     void bt_SupprFltr_Click();
     void lst_Msk_Click(int row);
     void bt_memMask_Click();
@@ -69,15 +73,19 @@ private:
     void maskNameEdited(const QString &text);
     void markFilled(QLineEdit *box);
     void filterSettled(bool searched);
+    void similarToggled(bool on);
 
     AppContext &m_app;
     std::unique_ptr<TuneFilter> m_filter;
+    std::unique_ptr<MelodySimilar> m_similarSearch;
 
     QLabel *m_title = nullptr;
     QLabel *m_info = nullptr;           // lab_infoFind
     QLabel *m_musLabel = nullptr;
     QLineEdit *m_mus = nullptr;         // txt_mus
     QCheckBox *m_startOnly = nullptr;   // chk_startOnly
+    QCheckBox *m_similar = nullptr;     // chk_similar: the melody box ranks tunes by similarity
+    QCheckBox *m_rhythm = nullptr;      // chk_rhythm
     QLabel *m_anywhereLabel = nullptr;
     QLineEdit *m_anywhere = nullptr;    // txt_anywhere
     QLabel *m_fieldsLabel = nullptr;
