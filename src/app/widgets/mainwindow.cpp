@@ -13,6 +13,7 @@
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
+#include "app/helplinks.h"
 #include "app/session.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
@@ -383,6 +384,7 @@ void MainWindow::connectCommands()
         });
     }
     m_menus->recentChosen = [&app](int index) { mnu_Recents(app, index); };
+    connectHelpCommands();
 }
 
 void MainWindow::NodeClick(const QString &key)
@@ -545,6 +547,8 @@ template <class Dialog> void MainWindow::showToolWindow()
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         if constexpr (std::is_same_v<Dialog, InsertionDialog>)
             dialog->insertText = [this](const QString &text) { return m_edit->insertText(text); };
+        if constexpr (std::is_same_v<Dialog, TempoDialog>)
+            connect(dialog, &TempoDialog::helpRequested, this, [this] { openHelp(kTempoHelpTopic); });
     }
     dialog->show();
     dialog->raise();

@@ -59,6 +59,10 @@ public:
     void quitWithoutQuestions();
     // Ctrl+W: the text panel alone in the window, or the panels back.
     void bt_editMax_Click();
+    // Our help window at `topic` (0: the guide's beginning).
+    void openHelp(int topic);
+    // The options dialog, modal, on tab `tab` (-1: the first).
+    void showOptions(int tab);
 
     ExplorerPanel *explorer() const { return m_explorer; }
     ChoiceList &choiceList() const { return *m_choiceList; }
@@ -80,6 +84,8 @@ protected:
 private:
     void buildPanels();
     void connectCommands();
+    void connectHelpCommands();
+    void followSettings(bool languageChanged);
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 
