@@ -1,6 +1,7 @@
 // fenwork-cli: the batch companion of Fennelworks, on the core alone.
 #include "cli/clicommands.h"
 #include "cli/findcommand.h"
+#include "cli/langkeyscommand.h"
 #include "cli/rendercommand.h"
 
 #include "frame/appcontext.h"
@@ -26,8 +27,15 @@ int main(int argc, char **argv)
     }
     const QString command = args.takeFirst();
     if (command == u"help" || command == u"--help" || command == u"-h") {
-        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp());
+        cli::writeOut(cli::helpText() + u'\n' + renderCommandHelp() + langKeysCommandHelp());
         return cli::Ok;
+    }
+    if (command == u"langkeys") {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runLangKeysCommand(args, out, err);
     }
 
     if (command == u"render") {
