@@ -63,6 +63,8 @@ public:
     void openHelp(int topic);
     // The options dialog, modal, on tab `tab` (-1: the first).
     void showOptions(int tab);
+    // Asks the update server for a newer version, beside the interface; `silent` at start-up.
+    void CheckVersion(bool silent);
 
     ExplorerPanel *explorer() const { return m_explorer; }
     ChoiceList &choiceList() const { return *m_choiceList; }

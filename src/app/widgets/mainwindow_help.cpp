@@ -2,6 +2,7 @@
 #include "app/widgets/mainwindow.h"
 
 #include "app/helplinks.h"
+#include "app/versioncheck.h"
 #include "app/widgets/aboutdialog.h"
 #include "app/widgets/helpwindow.h"
 #include "app/widgets/mainmenus.h"
@@ -103,6 +104,7 @@ void MainWindow::connectHelpCommands()
     m_menus->setHandler(QStringLiteral("mnu_hlp_item5"), [&app] {
         QDesktopServices::openUrl(serverUrl(app.ini().get(keys::UpdateServer), QStringLiteral("/fenwk.php")));
     });
+    m_menus->setHandler(QStringLiteral("mnu_hlp_item6"), [this] { CheckVersion(false); });
     m_menus->setHandler(QStringLiteral("mnu_Options"), [this] { showOptions(-1); });
     qApp->installEventFilter(new AltArrows(this, m_player));
     connect(&app.settingsNotice(), &SettingsNotice::changed, this, &MainWindow::followSettings);
@@ -127,6 +129,14 @@ void MainWindow::followSettings(bool languageChanged)
         // The templates list lives with the editor's texts.
         m_edit->loadLang();
     }
+}
+
+void MainWindow::CheckVersion(bool silent)
+{
+    auto *check = findChild<VersionCheck *>(QString(), Qt::FindDirectChildrenOnly);
+    if (!check)
+        check = new VersionCheck(m_app, this);
+    check->CheckVersion(silent);
 }
 
 void MainWindow::openHelp(int topic)
