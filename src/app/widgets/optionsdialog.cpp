@@ -1,5 +1,6 @@
 #include "app/widgets/optionsdialog.h"
 
+#include "app/fileassociation.h"
 #include "app/helplinks.h"
 #include "app/optionsapply.h"
 #include "editing/templates.h"
@@ -259,6 +260,7 @@ void OptionsDialog::bt_reinitOp_Click()
 
 void OptionsDialog::bt_extAbc_Click()
 {
+    AssociateAbc(m_app, QCoreApplication::applicationFilePath());
 }
 
 void OptionsDialog::bt_seeApDat_Click()

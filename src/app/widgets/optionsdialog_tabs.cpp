@@ -131,7 +131,6 @@ QWidget *OptionsDialog::buildFilesTab()
     m_captions.append({ extInfo, QStringLiteral("<infoExt>"), QStringLiteral("Options") });
     QPushButton *associate = button("bt_extAbc", "<associate>");
     connect(associate, &QPushButton::clicked, this, &OptionsDialog::bt_extAbc_Click);
-    associate->setEnabled(false);
     QPushButton *seeData = button("bt_seeApDat", "<seeApDat>");
     connect(seeData, &QPushButton::clicked, this, &OptionsDialog::bt_seeApDat_Click);
     desktopLayout->addWidget(extInfo, 0, 0);
