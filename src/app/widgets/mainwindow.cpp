@@ -470,6 +470,11 @@ void MainWindow::openHandedOver(const QString &path)
     }
     raise();
     activateWindow();
+    // A session holds the tree's nodes as they are: the file waits for its end.
+    if (m_edit->isEditing()) {
+        m_handedOverDuringEdit.append(path);
+        return;
+    }
     openPath(path, true);
 }
 

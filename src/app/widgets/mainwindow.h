@@ -130,6 +130,8 @@ private:
     bool m_quitting = false;
     bool m_unattended = false;
     bool m_editMax = false;
+    QList<int> m_sizesBeforeEditMax; // PanelX, PanelYG, PanelYD of the normal view
+    QStringList m_handedOverDuringEdit; // opened when the session ends: it holds the tree as it is
 };
 
 } // namespace fenwork
