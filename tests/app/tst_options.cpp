@@ -9,6 +9,7 @@
 #include "frame/settings.h"
 #include "score/widgets/scorepanel.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -141,6 +142,8 @@ private slots:
     {
         Fixture f;
         f.window->openHelp(0);
+        for (const char *tool : { "mnu_toExtras1", "mnu_inserAuto" })
+            f.window->findChild<QAction *>(QString::fromLatin1(tool))->trigger();
         f.set(QStringLiteral("lst_lang"), QStringLiteral("Français"));
         f.click("bt_Appliquer");
         const Language french(f.env.app().paths(), QStringLiteral("Français"));
@@ -150,6 +153,10 @@ private slots:
             french.text(QStringLiteral("Options"), QStringLiteral("<tabAudio>")));
         QCOMPARE(f.window->findChild<QLineEdit *>(QStringLiteral("txt_findHelp"))->placeholderText(),
             french.text(QStringLiteral("TTText"), QStringLiteral("<helpFind>")));
+        QCOMPARE(f.window->findChild<QWidget *>(QStringLiteral("f_tempo"))->windowTitle(),
+            french.text(QStringLiteral("Tempo"), QStringLiteral("<tempoMtr>")));
+        QCOMPARE(f.window->findChild<QPushButton *>(QStringLiteral("bt_Inser"))->text(),
+            french.text(QStringLiteral("InserAuto"), QStringLiteral("<insert>")));
     }
 
     void reinitSurvivesCancel()
