@@ -47,7 +47,9 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication qapp(argc, argv);
     setupIconTheme();
-    const QString shots = argc > 2 && QString::fromLocal8Bit(argv[1]) == u"--shots" ? QString::fromLocal8Bit(argv[2]) : QString();
+    const QString shots = argc > 2 && QString::fromLocal8Bit(argv[1]) == u"--shots"
+        ? QString::fromLocal8Bit(argv[2])
+        : QString();
     const int runs = argc > 1 && shots.isEmpty() ? std::max(1, atoi(argv[1])) : 15;
     QTemporaryDir root;
     qputenv("FENNELWORKS_ROOT", root.path().toUtf8());
@@ -96,8 +98,10 @@ int main(int argc, char **argv)
         language.push_back(msSince(timer));
         delete dialog;
     }
-    std::printf("options: f_Options opens (built and shown)   median %7.1f ms over %d runs\n", median(open), runs);
-    std::printf("options: a language switch retitles all     median %7.1f ms over %d runs\n", median(language), runs);
+    std::printf(
+        "options: f_Options opens (built and shown)   median %7.1f ms over %d runs\n", median(open), runs);
+    std::printf(
+        "options: a language switch retitles all     median %7.1f ms over %d runs\n", median(language), runs);
 
     // A server that takes the connection and never answers: the start only pays for asking.
     QTcpServer silent;

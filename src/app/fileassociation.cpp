@@ -61,9 +61,10 @@ bool run(const QString &program, const QStringList &arguments, QString *output)
 {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-        *output = program + u' ' + arguments.join(u' ') + QStringLiteral("\r\n") + QString::fromLocal8Bit(process.readAllStandardError())
-            + process.errorString();
+    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0) {
+        *output = program + u' ' + arguments.join(u' ') + QStringLiteral("\r\n")
+            + QString::fromLocal8Bit(process.readAllStandardError()) + process.errorString();
         return false;
     }
     *output = QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
@@ -129,14 +130,16 @@ bool AssociateAbc(AppContext &app, const QString &programPath)
         QString output;
         if (!writeIfChanged(source, abcMimePackageText(), &changed))
             return fail(QStringLiteral("Can't write ") + source);
-        const bool ok = run(xdgMime, { QStringLiteral("install"), QStringLiteral("--mode"), QStringLiteral("user"), source }, &output);
+        const bool ok = run(xdgMime,
+            { QStringLiteral("install"), QStringLiteral("--mode"), QStringLiteral("user"), source }, &output);
         QFile::remove(source);
         if (!ok)
             return fail(output);
     }
 
     QString output;
-    if (run(xdgMime, { QStringLiteral("query"), QStringLiteral("default"), kMimeType }, &output) && output == kEntryName)
+    if (run(xdgMime, { QStringLiteral("query"), QStringLiteral("default"), kMimeType }, &output)
+        && output == kEntryName)
         return true;
     if (!run(xdgMime, { QStringLiteral("default"), kEntryName, kMimeType }, &output))
         return fail(output);

@@ -18,8 +18,8 @@ QString helpFolder(const Paths &paths, const QString &languageName)
 QUrl helpUrl(const Paths &paths, const QString &languageName, int topic)
 {
     const bool abcTopic = topic >= 101 && topic <= 147;
-    QUrl url = QUrl::fromLocalFile(
-        helpFolder(paths, languageName) + (abcTopic ? QStringLiteral("/abc.html") : QStringLiteral("/index.html")));
+    QUrl url = QUrl::fromLocalFile(helpFolder(paths, languageName)
+        + (abcTopic ? QStringLiteral("/abc.html") : QStringLiteral("/index.html")));
     if (topic > 0)
         url.setFragment(QStringLiteral("t") + QString::number(topic));
     return url;

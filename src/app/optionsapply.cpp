@@ -9,9 +9,9 @@
 #include "frame/userdialogs.h"
 
 #include <QCollator>
-#include <algorithm>
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace fenwork {
 
@@ -46,7 +46,8 @@ QString ghostscriptFontMap(const QString &root)
     QStringList versions = QDir(root).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     QCollator numeric;
     numeric.setNumericMode(true);
-    std::sort(versions.begin(), versions.end(), [&](const QString &a, const QString &b) { return numeric.compare(a, b) > 0; });
+    std::sort(versions.begin(), versions.end(),
+        [&](const QString &a, const QString &b) { return numeric.compare(a, b) > 0; });
     for (const QString &version : std::as_const(versions)) {
         const QString path = root + u'/' + version + QStringLiteral("/Resource/Init/Fontmap.GS");
         if (QFileInfo(path).isFile())
@@ -93,7 +94,8 @@ OptionsOutcome applyOptions(AppContext &app, const OptionValues &values)
         const bool found = viewer ? path.isEmpty() || QFileInfo::exists(path) : QFileInfo(path).isFile();
         QString kept = path;
         if (!found) {
-            app.ui().message(app.text(QStringLiteral("Msg"), QStringLiteral("<toolNotExist>")) + CRLF + CRLF + path);
+            app.ui().message(
+                app.text(QStringLiteral("Msg"), QStringLiteral("<toolNotExist>")) + CRLF + CRLF + path);
             outcome.ok = false;
             kept = viewer ? QString() : computedDefault(key, app.paths());
             const int command = i - 2;

@@ -16,9 +16,9 @@ inline constexpr int kProgrammableKeys = 6;
 
 struct OptionValues
 {
-    QString language;         // the row chosen, empty when none is
-    QString defaultTemplate;  // ModeleDef
-    QStringList progKeys;     // ToucheProgr0 ...
+    QString language; // the row chosen, empty when none is
+    QString defaultTemplate; // ModeleDef
+    QStringList progKeys; // ToucheProgr0 ...
     // The check boxes as "0"/"1", numbers and texts as typed, in the order of the dialog.
     QList<std::pair<const SettingKey *, QString>> plain;
     // VisuBitmap, VisuPdf, Tool2ps, Tool2midi, Tool2abc, ToolMidi2abc, FmtFile.
@@ -33,7 +33,7 @@ const QList<const SettingKey *> &optionCommandKeys();
 
 struct OptionsOutcome
 {
-    bool ok = true;                 // false: a step failed, the dialog stays open
+    bool ok = true; // false: a step failed, the dialog stays open
     bool languageChanged = false;
     // The tool boxes as they now stand, reset where a path was not found.
     QStringList toolPaths;

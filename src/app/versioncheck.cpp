@@ -64,8 +64,7 @@ VersionCheck::VersionCheck(AppContext &app, QObject *parent)
     , currentVersion(versionText())
     , knownDisconnected(platformSaysDisconnected)
     , m_app(app)
-{
-}
+{ }
 
 VersionCheck::~VersionCheck()
 {
@@ -145,12 +144,12 @@ void VersionCheck::fetched()
         return;
     }
     const QString question = m_app.text(kMsg, QStringLiteral("<newVersion>")) + CRLF + CRLF
-        + m_app.text(kMsg, QStringLiteral("<currentVersion>")) + QStringLiteral("\t: ") + currentVersion + CRLF
-        + m_app.text(kMsg, QStringLiteral("<versionDispo>")) + QStringLiteral("\t: ") + offered + CRLF + CRLF
-        + m_app.text(kMsg, QStringLiteral("<newVer2>"));
+        + m_app.text(kMsg, QStringLiteral("<currentVersion>")) + QStringLiteral("\t: ") + currentVersion
+        + CRLF + m_app.text(kMsg, QStringLiteral("<versionDispo>")) + QStringLiteral("\t: ") + offered + CRLF
+        + CRLF + m_app.text(kMsg, QStringLiteral("<newVer2>"));
     if (m_app.ui().question(question) == UserDialogs::Answer::Yes)
-        QDesktopServices::openUrl(
-            serverUrl(m_app.ini().get(keys::UpdateServer), QStringLiteral("/fenw2.php?ex=") + currentVersion));
+        QDesktopServices::openUrl(serverUrl(
+            m_app.ini().get(keys::UpdateServer), QStringLiteral("/fenw2.php?ex=") + currentVersion));
     end();
 }
 

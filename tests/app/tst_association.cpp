@@ -94,7 +94,8 @@ private slots:
         QVERIFY(probe.waitForFinished(30000));
         QCOMPARE(QString::fromUtf8(probe.readAllStandardOutput()).trimmed(), QStringLiteral("text/vnd.abc"));
 
-        QCOMPARE(output(QStringLiteral("xdg-mime"), { QStringLiteral("query"), QStringLiteral("default"), QStringLiteral("text/vnd.abc") }),
+        QCOMPARE(output(QStringLiteral("xdg-mime"),
+                     { QStringLiteral("query"), QStringLiteral("default"), QStringLiteral("text/vnd.abc") }),
             QStringLiteral("fennelworks.desktop"));
 
         const QStringList before = snapshot(xdg.path());

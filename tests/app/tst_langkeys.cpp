@@ -65,8 +65,8 @@ private slots:
         // Not keys: the line break marker inside a text.
         const QSet<QString> notKeys { QStringLiteral("<br>") };
         QStringList missing;
-        QDirIterator it(test::testDataDir() + QStringLiteral("/../src"), { QStringLiteral("*.cpp"), QStringLiteral("*.h") },
-            QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator it(test::testDataDir() + QStringLiteral("/../src"),
+            { QStringLiteral("*.cpp"), QStringLiteral("*.h") }, QDir::Files, QDirIterator::Subdirectories);
         while (it.hasNext()) {
             const QString path = it.next();
             const QString source = test::readAll(path);
@@ -85,7 +85,8 @@ private slots:
     void vocabularyIsComplete()
     {
         QFETCH(QString, language);
-        const auto missing = missingLanguageKeys(langFile(language), languageKeys(tipCountOf(langFile(QStringLiteral("English")))));
+        const auto missing = missingLanguageKeys(
+            langFile(language), languageKeys(tipCountOf(langFile(QStringLiteral("English")))));
         QVERIFY(missing);
         QStringList names;
         for (const LangKey &key : *missing)

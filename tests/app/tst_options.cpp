@@ -61,7 +61,10 @@ struct Fixture
                 return line.mid(key.size() + 1).remove(u'\r');
         return QStringLiteral("?");
     }
-    QString text(const char *section, const char *key) { return env.app().text(QString::fromLatin1(section), QString::fromLatin1(key)); }
+    QString text(const char *section, const char *key)
+    {
+        return env.app().text(QString::fromLatin1(section), QString::fromLatin1(key));
+    }
 
     test::TestEnv env;
     std::unique_ptr<MainWindow> window;
@@ -81,16 +84,46 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("written");
-        QTest::newRow("check box") << "chk_Bak" << "1" << "FichBak" << "1";
-        QTest::newRow("check box off") << "chk_newVersion" << "0" << "checkNewVersion" << "0";
-        QTest::newRow("list row") << "lst_dblClc" << "1" << "DblClcIdx" << "1";
-        QTest::newRow("options padded") << "txt_Cmd2midi" << "-o" << "cmd2midi" << " -o ";
-        QTest::newRow("options trimmed") << "txt_Cmd2ps" << "  -s0.8  " << "cmd2ps" << " -s0.8 ";
-        QTest::newRow("repeats floor") << "txt_nbRepeat" << "0" << "nbRepeat" << "1";
-        QTest::newRow("repeats typed through 1") << "txt_nbRepeat" << "12" << "nbRepeat" << "12";
-        QTest::newRow("trash floor") << "txt_TrashMax" << "7" << "TrashMax" << "50";
-        QTest::newRow("digits only") << "txt_tempoDef" << "1a2b0" << "tempoDef" << "120";
-        QTest::newRow("programmable key") << "txt_editProgr2" << "|:" << "ToucheProgr2" << "|:";
+        QTest::newRow("check box") << "chk_Bak"
+                                   << "1"
+                                   << "FichBak"
+                                   << "1";
+        QTest::newRow("check box off") << "chk_newVersion"
+                                       << "0"
+                                       << "checkNewVersion"
+                                       << "0";
+        QTest::newRow("list row") << "lst_dblClc"
+                                  << "1"
+                                  << "DblClcIdx"
+                                  << "1";
+        QTest::newRow("options padded") << "txt_Cmd2midi"
+                                        << "-o"
+                                        << "cmd2midi"
+                                        << " -o ";
+        QTest::newRow("options trimmed") << "txt_Cmd2ps"
+                                         << "  -s0.8  "
+                                         << "cmd2ps"
+                                         << " -s0.8 ";
+        QTest::newRow("repeats floor") << "txt_nbRepeat"
+                                       << "0"
+                                       << "nbRepeat"
+                                       << "1";
+        QTest::newRow("repeats typed through 1") << "txt_nbRepeat"
+                                                 << "12"
+                                                 << "nbRepeat"
+                                                 << "12";
+        QTest::newRow("trash floor") << "txt_TrashMax"
+                                     << "7"
+                                     << "TrashMax"
+                                     << "50";
+        QTest::newRow("digits only") << "txt_tempoDef"
+                                     << "1a2b0"
+                                     << "tempoDef"
+                                     << "120";
+        QTest::newRow("programmable key") << "txt_editProgr2"
+                                          << "|:"
+                                          << "ToucheProgr2"
+                                          << "|:";
     }
     void controlWritesKey()
     {
@@ -130,7 +163,8 @@ private slots:
         f.click("bt_ok");
         QVERIFY(f.dialog->isVisible());
         const QString notFound = f.text("Msg", "<toolNotExist>") + QStringLiteral("\r\n\r\n");
-        QCOMPARE(f.env.ui().messages(), (QStringList { notFound + "/nowhere/viewer", notFound + "/nowhere/abcm2ps" }));
+        QCOMPARE(f.env.ui().messages(),
+            (QStringList { notFound + "/nowhere/viewer", notFound + "/nowhere/abcm2ps" }));
         QCOMPARE(f.env.app().ini().get(keys::Tool2ps), computedDefault(keys::Tool2ps, f.env.app().paths()));
         QCOMPARE(f.raw(QStringLiteral("cmd2ps")), keys::Cmd2ps.defaultValue());
         QCOMPARE(f.control<QLineEdit>(QStringLiteral("txt_Cmd2ps"))->text(), keys::Cmd2ps.defaultValue());

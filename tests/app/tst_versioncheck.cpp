@@ -39,8 +39,9 @@ private slots:
     {
         QDir().mkpath(m_served.filePath(QStringLiteral("inc")));
         m_port = freePort();
-        m_server.start(QStringLiteral("python3"), { "-m", "http.server", QString::number(m_port), "--bind", "127.0.0.1",
-                                                      "--directory", m_served.path() });
+        m_server.start(QStringLiteral("python3"),
+            { "-m", "http.server", QString::number(m_port), "--bind", "127.0.0.1", "--directory",
+                m_served.path() });
         if (!m_server.waitForStarted())
             QSKIP("python3 is not there to serve the version file");
         const auto listening = [this] {
@@ -68,9 +69,11 @@ private slots:
         QTest::addColumn<bool>("silent");
         QTest::addColumn<QString>("shown"); // a key of Msg, "offer <version>", or nothing
         QTest::newRow("same") << QByteArray("[v]\nv=\"1.5.3\"\n") << "1.5.3" << false << "<chkOk>";
-        QTest::newRow("more digits") << QByteArray("[v]\nv=\"1.5.10\"\n") << "1.5.3" << false << "offer 1.5.10";
+        QTest::newRow("more digits") << QByteArray("[v]\nv=\"1.5.10\"\n") << "1.5.3" << false
+                                     << "offer 1.5.10";
         QTest::newRow("fewer digits") << QByteArray("[v]\nv=\"1.9.9\"\n") << "1.10.0" << false << "<chkOk>";
-        QTest::newRow("blank ends it") << QByteArray("[v]\nv=\"2.0.1 beta\"\n") << "1.5.3" << false << "offer 2.0.1";
+        QTest::newRow("blank ends it")
+            << QByteArray("[v]\nv=\"2.0.1 beta\"\n") << "1.5.3" << false << "offer 2.0.1";
         QTest::newRow("crlf") << QByteArray("[v]\r\nv=\"2.0.1\"\r\n") << "1.5.3" << false << "offer 2.0.1";
         QTest::newRow("no quote") << QByteArray("[v]\n1.6.0\n") << "1.5.3" << false << "offer 1.6.0";
         QTest::newRow("one line") << QByteArray("v=\"9.9.9\"") << "1.5.3" << false << "<chkOk>";
@@ -81,7 +84,8 @@ private slots:
         QTest::newRow("no server") << QByteArray("@unset") << "1.5.3" << false << "";
         QTest::newRow("silent, none newer") << QByteArray("[v]\nv=\"1.5.3\"\n") << "1.5.3" << true << "";
         QTest::newRow("silent, 404") << QByteArray("@404") << "1.5.3" << true << "";
-        QTest::newRow("silent, newer") << QByteArray("[v]\nv=\"1.6.0\"\n") << "1.5.3" << true << "offer 1.6.0";
+        QTest::newRow("silent, newer")
+            << QByteArray("[v]\nv=\"1.6.0\"\n") << "1.5.3" << true << "offer 1.6.0";
     }
     void answers()
     {
@@ -101,10 +105,12 @@ private slots:
         if (file == "@hang") {
             QVERIFY(hanging.listen(QHostAddress::LocalHost));
             port = hanging.serverPort();
-            connect(&hanging, &QTcpServer::newConnection, this, [&] { held << hanging.nextPendingConnection(); });
+            connect(
+                &hanging, &QTcpServer::newConnection, this, [&] { held << hanging.nextPendingConnection(); });
         }
         test::TestEnv env;
-        env.app().ini().set(keys::UpdateServer, file == "@unset" ? QString() : QStringLiteral("http://127.0.0.1:%1").arg(port));
+        env.app().ini().set(keys::UpdateServer,
+            file == "@unset" ? QString() : QStringLiteral("http://127.0.0.1:%1").arg(port));
         env.ui().pushAnswer(UserDialogs::Answer::Yes);
         m_opened.clear();
 
@@ -127,14 +133,16 @@ private slots:
         else if (shown.startsWith(u'<'))
             expected << msg(shown);
         else if (!shown.isEmpty())
-            expected << msg(QStringLiteral("<newVersion>")) + "\r\n\r\n" + msg(QStringLiteral("<currentVersion>")) + "\t: "
-                    + current + "\r\n" + msg(QStringLiteral("<versionDispo>")) + "\t: " + shown.mid(6) + "\r\n\r\n"
+            expected << msg(QStringLiteral("<newVersion>")) + "\r\n\r\n"
+                    + msg(QStringLiteral("<currentVersion>")) + "\t: " + current + "\r\n"
+                    + msg(QStringLiteral("<versionDispo>")) + "\t: " + shown.mid(6) + "\r\n\r\n"
                     + msg(QStringLiteral("<newVer2>"));
         QCOMPARE(texts, expected);
         // Yes to the offer opens the download page.
         QCOMPARE(m_opened.size(), shown.startsWith(u"offer") ? 1 : 0);
         if (!m_opened.isEmpty())
-            QCOMPARE(m_opened.first(), QUrl(QStringLiteral("http://127.0.0.1:%1/fenw2.php?ex=").arg(port) + current));
+            QCOMPARE(m_opened.first(),
+                QUrl(QStringLiteral("http://127.0.0.1:%1/fenw2.php?ex=").arg(port) + current));
         QCOMPARE(QFile::exists(env.app().paths().cacheFolder() + QStringLiteral("/tmp.ver")), served);
         QCOMPARE(env.ui().busyDepth, 0);
     }

@@ -6,12 +6,12 @@
 
 #include "app/widgets/mainwindow.h"
 #include "editing/widgets/editcontroller.h"
+#include "frame/inifile.h"
+#include "frame/settings.h"
 #include "store/node.h"
 #include "store/treeops.h"
 #include "store/widgets/treeview.h"
 #include "store/workspacetree.h"
-#include "frame/inifile.h"
-#include "frame/settings.h"
 
 #include <QAction>
 #include <QApplication>
@@ -40,20 +40,23 @@ private slots:
         auto window = test::loadedMainWindow(env);
         window->resize(1200, 800);
         QApplication::processEvents();
-        const auto splitter = [&](const char *name) { return window->findChild<QSplitter *>(QString::fromLatin1(name)); };
+        const auto splitter
+            = [&](const char *name) { return window->findChild<QSplitter *>(QString::fromLatin1(name)); };
         splitter("lab_dragV")->setSizes({ 330, 860 });
         splitter("lab_dragHG")->setSizes({ 420, 300 });
         splitter("lab_dragHD")->setSizes({ 240, 460 });
         QApplication::processEvents();
-        const QList<int> normal = { splitter("lab_dragV")->sizes().value(0), splitter("lab_dragHG")->sizes().value(0),
-            splitter("lab_dragHD")->sizes().value(0) };
+        const QList<int> normal = { splitter("lab_dragV")->sizes().value(0),
+            splitter("lab_dragHG")->sizes().value(0), splitter("lab_dragHD")->sizes().value(0) };
         for (const QString &key : std::as_const(keys)) {
             window->findChild<QAction *>(key)->trigger();
             QApplication::processEvents();
         }
         QVERIFY(window->Form_Unload());
         const IniFile &ini = env.app().ini();
-        QCOMPARE((QList<int> { ini.getInt(keys::PanelX), ini.getInt(keys::PanelYG), ini.getInt(keys::PanelYD) }), normal);
+        QCOMPARE(
+            (QList<int> { ini.getInt(keys::PanelX), ini.getInt(keys::PanelYG), ini.getInt(keys::PanelYD) }),
+            normal);
     }
 
     void handOverDuringEdit_data()
@@ -69,7 +72,8 @@ private slots:
         QFETCH(bool, validate);
         test::TestEnv env;
         auto window = test::loadedMainWindow(env);
-        const QString edited = window->openPath(env.writeFile(QStringLiteral("jigs.abc"), "X:1\nT:First\nK:G\nabc|\n"));
+        const QString edited
+            = window->openPath(env.writeFile(QStringLiteral("jigs.abc"), "X:1\nT:First\nK:G\nabc|\n"));
         window->SimulerNodeClick(edited + QStringLiteral("_tune1"));
         window->editController()->abcedit();
         QVERIFY(window->editController()->isEditing());

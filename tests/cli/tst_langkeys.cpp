@@ -22,7 +22,8 @@ private slots:
         QCOMPARE(lines.first(), QStringLiteral("Menus\t<abcHlp>"));
         QStringList sections;
         for (const QString &line : lines)
-            if (const QString section = line.section(u'\t', 0, 0); sections.value(sections.size() - 1) != section)
+            if (const QString section = line.section(u'\t', 0, 0);
+                sections.value(sections.size() - 1) != section)
                 sections << section;
         QCOMPARE(sections.removeDuplicates(), 0);
         QCOMPARE(sections.mid(0, 4), (QStringList { "Menus", "MainForm", "Mainform", "TTText" }));
@@ -47,11 +48,13 @@ private slots:
         // A program folder of its own, holding the English reference and the file checked.
         test::CliProcess cli;
         QDir().mkpath(cli.path(QStringLiteral("prog/lang")));
-        QFile::copy(test::testDataDir() + QStringLiteral("/../data/lang/English.txt"), cli.path(QStringLiteral("prog/lang/English.txt")));
+        QFile::copy(test::testDataDir() + QStringLiteral("/../data/lang/English.txt"),
+            cli.path(QStringLiteral("prog/lang/English.txt")));
         if (!file.isEmpty())
             cli.write(QStringLiteral("prog/lang/Test.txt"), file);
         test::EnvGuard guard("FENNELWORKS_APPDIR", cli.path(QStringLiteral("prog")).toUtf8());
-        const test::CliRun run = cli.run({ QStringLiteral("langkeys"), QStringLiteral("--check"), QStringLiteral("Test") });
+        const test::CliRun run
+            = cli.run({ QStringLiteral("langkeys"), QStringLiteral("--check"), QStringLiteral("Test") });
         QCOMPARE(run.exitCode, exitCode);
         QCOMPARE(run.out.contains("Menus\t<about>\n"), aboutListed);
         QCOMPARE(run.out.isEmpty(), exitCode != 1);

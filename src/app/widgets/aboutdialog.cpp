@@ -71,8 +71,8 @@ void AboutDialog::LoadLang()
     m_contact->setVisible(!mail.isEmpty());
     if (!mail.isEmpty())
         m_contact->setText(m_app.text(section, QStringLiteral("<contact>")) + QStringLiteral(": <a href=\"")
-            + mail.toString(QUrl::FullyEncoded).toHtmlEscaped() + QStringLiteral("\">") + address.toHtmlEscaped()
-            + QStringLiteral("</a>"));
+            + mail.toString(QUrl::FullyEncoded).toHtmlEscaped() + QStringLiteral("\">")
+            + address.toHtmlEscaped() + QStringLiteral("</a>"));
 }
 
 } // namespace fenwork

@@ -24,13 +24,14 @@ HelpWindow::HelpWindow(AppContext &app, QWidget *parent)
     resize(760, 620);
     auto *bar = new QToolBar(this);
     bar->setIconSize(QSize(20, 20));
-    m_back = bar->addAction(QIcon::fromTheme(QStringLiteral("go-previous")), QString(), m_browser,
-        &QTextBrowser::backward);
+    m_back = bar->addAction(
+        QIcon::fromTheme(QStringLiteral("go-previous")), QString(), m_browser, &QTextBrowser::backward);
     m_back->setObjectName(QStringLiteral("bt_back"));
-    m_forward = bar->addAction(QIcon::fromTheme(QStringLiteral("go-next")), QString(), m_browser,
-        &QTextBrowser::forward);
+    m_forward = bar->addAction(
+        QIcon::fromTheme(QStringLiteral("go-next")), QString(), m_browser, &QTextBrowser::forward);
     m_forward->setObjectName(QStringLiteral("bt_forward"));
-    m_home = bar->addAction(QIcon::fromTheme(QStringLiteral("go-home")), QString(), this, [this] { openHelp(0); });
+    m_home = bar->addAction(
+        QIcon::fromTheme(QStringLiteral("go-home")), QString(), this, [this] { openHelp(0); });
     m_home->setObjectName(QStringLiteral("bt_home"));
     bar->addSeparator();
     m_find->setObjectName(QStringLiteral("txt_findHelp"));
@@ -52,9 +53,10 @@ HelpWindow::HelpWindow(AppContext &app, QWidget *parent)
         else
             QDesktopServices::openUrl(url);
     });
-    connect(m_browser, &QTextBrowser::sourceChanged, this,
-        [this] { setWindowTitle(withoutAccelerator(m_app.text(QStringLiteral("Menus"), QStringLiteral("<hlp>")))
-                     + QStringLiteral(" - ") + m_browser->documentTitle()); });
+    connect(m_browser, &QTextBrowser::sourceChanged, this, [this] {
+        setWindowTitle(withoutAccelerator(m_app.text(QStringLiteral("Menus"), QStringLiteral("<hlp>")))
+            + QStringLiteral(" - ") + m_browser->documentTitle());
+    });
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -66,7 +68,8 @@ HelpWindow::HelpWindow(AppContext &app, QWidget *parent)
 
 void HelpWindow::LoadLang()
 {
-    const auto tip = [this](const char *key) { return m_app.text(QStringLiteral("TTText"), QString::fromLatin1(key)); };
+    const auto tip
+        = [this](const char *key) { return m_app.text(QStringLiteral("TTText"), QString::fromLatin1(key)); };
     m_back->setToolTip(tip("<helpBack>"));
     m_forward->setToolTip(tip("<helpForward>"));
     m_home->setToolTip(tip("<helpHome>"));

@@ -34,8 +34,7 @@ public:
         : QObject(window)
         , m_window(window)
         , m_player(player)
-    {
-    }
+    { }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
@@ -82,7 +81,8 @@ private:
 void setHelpRowStates(AppContext &app)
 {
     const bool server = !app.ini().get(keys::UpdateServer).isEmpty();
-    app.commands().setEnabled(QStringLiteral("mnu_hlp_item4"), !app.ini().get(keys::ContactAddress).isEmpty());
+    app.commands().setEnabled(
+        QStringLiteral("mnu_hlp_item4"), !app.ini().get(keys::ContactAddress).isEmpty());
     app.commands().setEnabled(QStringLiteral("mnu_hlp_item5"), server);
     app.commands().setEnabled(QStringLiteral("mnu_hlp_item6"), server);
 }

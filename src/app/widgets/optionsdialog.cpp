@@ -32,7 +32,8 @@ namespace fenwork {
 namespace {
 const QString kOptions = QStringLiteral("Options");
 const QString kMsg = QStringLiteral("Msg");
-const char *const kTabKeys[] = { "<tabFiles>", "<tabEditor>", "<tabTmpl>", "<tabTools>", "<tabAudio>", "<tabMisc>" };
+const char *const kTabKeys[]
+    = { "<tabFiles>", "<tabEditor>", "<tabTmpl>", "<tabTools>", "<tabAudio>", "<tabMisc>" };
 } // namespace
 
 OptionsDialog::OptionsDialog(AppContext &app, QWidget *parent)
@@ -98,7 +99,8 @@ void OptionsDialog::Form_Load()
         m_fontSize->addItem(size);
     m_fontSize->setCurrentText(size);
     for (int i = 0; i < m_progKeys.size(); ++i)
-        m_progKeys.at(i)->setText(ini.getValue(QString::fromLatin1(keys::ToucheProgr.section), keys::ToucheProgr.keyName(i), {}));
+        m_progKeys.at(i)->setText(
+            ini.getValue(QString::fromLatin1(keys::ToucheProgr.section), keys::ToucheProgr.keyName(i), {}));
     for (int i = 0; i < m_toolPaths.size(); ++i)
         m_toolPaths.at(i)->setText(ini.get(*optionToolKeys().at(i)));
     for (int i = 0; i < m_toolOptions.size(); ++i)
@@ -119,7 +121,8 @@ void OptionsDialog::fillLists()
     const int gm = m_gm->currentIndex();
     m_gm->clear();
     for (int n = 0; n < 128; ++n)
-        m_gm->addItem(QString::number(n) + u' ' + m_app.text(QStringLiteral("GM"), QStringLiteral("<gm%1>").arg(n)));
+        m_gm->addItem(
+            QString::number(n) + u' ' + m_app.text(QStringLiteral("GM"), QStringLiteral("<gm%1>").arg(n)));
     m_gm->setCurrentIndex(gm);
     const int dblClc = m_dblClc->currentIndex();
     m_dblClc->clear();
@@ -146,7 +149,8 @@ void OptionsDialog::LoadLang()
     }
     if (auto *translate = findChild<QLabel *>(QStringLiteral("lab_translate")))
         translate->setText(QStringLiteral("<a href=\"lang\">")
-            + withoutAccelerator(m_app.text(QStringLiteral("Menus"), QStringLiteral("<translate>"))).toHtmlEscaped()
+            + withoutAccelerator(m_app.text(QStringLiteral("Menus"), QStringLiteral("<translate>")))
+                  .toHtmlEscaped()
             + QStringLiteral("</a>"));
     if (m_gm->count() > 0)
         fillLists();
@@ -156,7 +160,8 @@ bool OptionsDialog::bt_Appliquer_Click()
 {
     OptionValues values;
     values.language = m_lang->currentText();
-    values.defaultTemplate = m_defaultTemplate->currentIndex() > 0 ? m_defaultTemplate->currentText() : QString();
+    values.defaultTemplate
+        = m_defaultTemplate->currentIndex() > 0 ? m_defaultTemplate->currentText() : QString();
     for (const QLineEdit *phrase : std::as_const(m_progKeys))
         values.progKeys.append(phrase->text());
     values.plain.append({ &keys::DirDef, m_path->text() });
@@ -212,7 +217,8 @@ void OptionsDialog::showFontExample()
 
 void OptionsDialog::bt_dir_Click()
 {
-    const QString folder = m_app.ui().folderName(m_app.text(kOptions, QStringLiteral("<ttrDir>")), m_path->text());
+    const QString folder
+        = m_app.ui().folderName(m_app.text(kOptions, QStringLiteral("<ttrDir>")), m_path->text());
     if (!folder.isEmpty())
         m_path->setText(folder.endsWith(u'/') ? folder : folder + u'/');
 }
@@ -221,11 +227,13 @@ void OptionsDialog::bt_setTool_Click(int row)
 {
     const bool format = row == optionToolKeys().size() - 1;
     const QString start = !m_toolPaths.at(row)->text().isEmpty() ? m_toolPaths.at(row)->text()
-        : format                                                 ? m_app.paths().inProgram(QStringLiteral("fmt"))
-                                                                 : QStringLiteral("/usr/bin");
-    const QStringList filters = format ? QStringList { QStringLiteral("Format abcm2ps (*.fmt)") }
-                                       : QStringList { m_app.text(kMsg, QStringLiteral("<allFiles>")) + QStringLiteral(" (*)") };
-    const QString path = m_app.ui().openFileName(m_app.text(kMsg, QStringLiteral("<chooseTool>")), start, filters);
+        : format ? m_app.paths().inProgram(QStringLiteral("fmt"))
+                 : QStringLiteral("/usr/bin");
+    const QStringList filters = format
+        ? QStringList { QStringLiteral("Format abcm2ps (*.fmt)") }
+        : QStringList { m_app.text(kMsg, QStringLiteral("<allFiles>")) + QStringLiteral(" (*)") };
+    const QString path
+        = m_app.ui().openFileName(m_app.text(kMsg, QStringLiteral("<chooseTool>")), start, filters);
     if (!path.isEmpty())
         m_toolPaths.at(row)->setText(path);
 }
@@ -247,7 +255,8 @@ void OptionsDialog::bt_gsFonts_Click()
     m_app.ui().message(warning, UserDialogs::Icon::Information);
     const QString fontMap = ghostscriptFontMap();
     if (fontMap.isEmpty())
-        m_app.ui().message(m_app.text(kMsg, QStringLiteral("<toolNotExist>")) + CRLF + CRLF + QStringLiteral("Fontmap.GS"));
+        m_app.ui().message(
+            m_app.text(kMsg, QStringLiteral("<toolNotExist>")) + CRLF + CRLF + QStringLiteral("Fontmap.GS"));
     else
         QDesktopServices::openUrl(QUrl::fromLocalFile(fontMap));
 }

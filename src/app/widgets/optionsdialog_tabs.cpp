@@ -10,8 +10,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
-#include <QFontDatabase>
 #include <QFontComboBox>
+#include <QFontDatabase>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -61,7 +61,8 @@ QLineEdit *OptionsDialog::box(const char *name, const SettingKey &key, bool digi
     auto *edit = new QLineEdit;
     edit->setObjectName(QString::fromLatin1(name));
     if (digitsOnly) {
-        edit->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), edit));
+        edit->setValidator(
+            new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), edit));
         edit->setMaximumWidth(80);
     }
     m_bound.append({ edit, &key });
@@ -305,16 +306,18 @@ QWidget *OptionsDialog::buildAudioTab()
     form->addRow(label("<defGM>"), m_gm);
     QLineEdit *repeats = box("txt_nbRepeat", keys::NbRepeat, true);
     // The floor is put in when the box is left, so that "12" can be typed through its "1".
-    connect(repeats, &QLineEdit::editingFinished, this, [repeats] { repeats->setText(atLeast(repeats->text(), 1)); });
+    connect(repeats, &QLineEdit::editingFinished, this,
+        [repeats] { repeats->setText(atLeast(repeats->text(), 1)); });
     form->addRow(label("<nbRepeat>"), repeats);
     form->addRow(label("<tempoDef>"), box("txt_tempoDef", keys::TempoDef, true));
     QLineEdit *soundFont = box("txt_soundFont", keys::SoundFont);
     soundFont->setPlaceholderText(QStringLiteral("/usr/share/sounds/sf2/default-GM.sf2"));
     QPushButton *choose = browseButton(QStringLiteral("bt_soundFont"));
     connect(choose, &QPushButton::clicked, this, [this, soundFont] {
-        const QString path = m_app.ui().openFileName(m_app.text(QStringLiteral("Options"), QStringLiteral("<soundFont>")),
-            soundFont->text().isEmpty() ? QStringLiteral("/usr/share/sounds/sf2") : soundFont->text(),
-            { QStringLiteral("SoundFont (*.sf2 *.sf3)") });
+        const QString path
+            = m_app.ui().openFileName(m_app.text(QStringLiteral("Options"), QStringLiteral("<soundFont>")),
+                soundFont->text().isEmpty() ? QStringLiteral("/usr/share/sounds/sf2") : soundFont->text(),
+                { QStringLiteral("SoundFont (*.sf2 *.sf3)") });
         if (!path.isEmpty())
             soundFont->setText(path);
     });
@@ -361,7 +364,8 @@ QWidget *OptionsDialog::buildMiscTab()
     langRow->addWidget(translate);
     form->addRow(label("<lang>"), langRow);
     QLineEdit *trash = box("txt_TrashMax", keys::TrashMax, true);
-    connect(trash, &QLineEdit::editingFinished, this, [trash] { trash->setText(atLeast(trash->text(), 50)); });
+    connect(
+        trash, &QLineEdit::editingFinished, this, [trash] { trash->setText(atLeast(trash->text(), 50)); });
     form->addRow(label("<trashMax>"), trash);
     form->addRow(label("<updateServer>"), box("txt_updateServer", keys::UpdateServer));
     form->addRow(label("<contactAddress>"), box("txt_contact", keys::ContactAddress));

@@ -17,8 +17,8 @@ namespace fenwork {
 
 void OptionsDialog::fillTemplates(const QString &select)
 {
-    const QString chosenDefault
-        = m_defaultTemplate->count() > 0 ? m_defaultTemplate->currentText() : m_app.ini().get(keys::ModeleDef);
+    const QString chosenDefault = m_defaultTemplate->count() > 0 ? m_defaultTemplate->currentText()
+                                                                 : m_app.ini().get(keys::ModeleDef);
     const QStringList names = templateNames(m_app);
     {
         const QSignalBlocker block(m_templates);
