@@ -12,6 +12,9 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QListWidget>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -191,6 +194,38 @@ private slots:
             french.text(QStringLiteral("Tempo"), QStringLiteral("<tempoMtr>")));
         QCOMPARE(f.window->findChild<QPushButton *>(QStringLiteral("bt_Inser"))->text(),
             french.text(QStringLiteral("InserAuto"), QStringLiteral("<insert>")));
+    }
+
+    // The templates tab works on the files of the template folder.
+    void templatesTab()
+    {
+        Fixture f([](IniFile &ini) {
+            const QString folder = QFileInfo(ini.path()).path() + QStringLiteral("/user/tmpl/");
+            QDir().mkpath(folder);
+            for (const char *name : { "Air.txt", "Reel.txt" }) {
+                QFile file(folder + QString::fromLatin1(name));
+                QVERIFY(file.open(QIODevice::WriteOnly) && file.write("X:1\r\nK:D\r\n") > 0);
+            }
+        });
+        const QString folder = f.env.app().paths().inUser(QStringLiteral("tmpl/"));
+        auto *names = f.control<QListWidget>(QStringLiteral("lst_Mdl"));
+        QCOMPARE(names->currentItem()->text(), QStringLiteral("Air"));
+        f.set(QStringLiteral("txt_fichMdl"), QStringLiteral("Reel"));
+        f.click("bt_newName");
+        QCOMPARE(f.env.ui().messages(), QStringList { f.text("Msg", "<tmplExist>") });
+        f.set(QStringLiteral("txt_fichMdl"), QStringLiteral("Jig"));
+        f.click("bt_newName");
+        QVERIFY(QFile::exists(folder + "Jig.txt") && !QFile::exists(folder + "Air.txt"));
+        QVERIFY(f.control<QComboBox>(QStringLiteral("lst_mdlDef"))->findText(QStringLiteral("Jig")) > 0);
+        f.control<QPlainTextEdit>(QStringLiteral("txt_Mdl"))->setPlainText(QStringLiteral("X:1\nT:New\nK:G"));
+        f.click("bt_saveMdl");
+        QCOMPARE(test::readAll(folder + "Jig.txt"), QStringLiteral("X:1\nT:New\nK:G"));
+        f.env.ui().pushAnswer(UserDialogs::Answer::No);
+        f.click("bt_delTmpl");
+        f.env.ui().pushAnswer(UserDialogs::Answer::Yes);
+        f.click("bt_delTmpl");
+        QVERIFY(!QFile::exists(folder + "Jig.txt"));
+        QCOMPARE(names->count(), 1);
     }
 
     void reinitSurvivesCancel()
