@@ -11,6 +11,7 @@ PACKAGES=(
   libfluidsynth-dev timgm6mb-soundfont
   xvfb xauth
   clang libclang-rt-14-dev hyperfine
+  xdg-utils desktop-file-utils
 )
 
 missing=()

@@ -6,6 +6,7 @@
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/settings.h"
+#include "frame/settingsnotice.h"
 #include "frame/strutil.h"
 #include "frame/toolrunner.h"
 #include "frame/userdialogs.h"
@@ -29,7 +30,8 @@ AppContext::AppContext(const Paths &paths, UserDialogs *dialogs)
       m_ownClipboard(std::make_unique<MemoryClipboard>()),
       m_recent(std::make_unique<RecentFiles>(paths.cacheFolder())),
       m_store(std::make_unique<TuneStore>(*this)),
-      m_tools(std::make_unique<ToolRunner>(*this))
+      m_tools(std::make_unique<ToolRunner>(*this)),
+      m_settingsNotice(std::make_unique<SettingsNotice>())
 {
     m_store->recent = m_recent.get();
     m_ini->setWriteFailureHandler([this](const QString &path) {

@@ -4,6 +4,7 @@
 #include "cli/findcommand.h"
 #include "cli/publishcommand.h"
 #include "cli/listcommand.h"
+#include "cli/langkeyscommand.h"
 #include "cli/rendercommand.h"
 #include "cli/similarcommand.h"
 #include "cli/toolscommand.h"
@@ -25,7 +26,7 @@ namespace {
 QString allHelp()
 {
     return QStringList { cli::helpText(), cli::publishHelp(), renderCommandHelp(), toolsCommandHelp(),
-        listCommandHelp() }.join(u'\n');
+        listCommandHelp(), langKeysCommandHelp() }.join(u'\n');
 }
 } // namespace
 
@@ -42,6 +43,13 @@ int main(int argc, char **argv)
     if (command == u"help" || command == u"--help" || command == u"-h") {
         cli::writeOut(allHelp());
         return cli::Ok;
+    }
+    if (command == u"langkeys") {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        out.setEncoding(QStringConverter::Utf8);
+        err.setEncoding(QStringConverter::Utf8);
+        return runLangKeysCommand(args, out, err);
     }
 
     if (command == u"render") {

@@ -7,6 +7,7 @@
 #include "frame/userdialogs.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace fenwork {
@@ -18,6 +19,18 @@ const QString kExtension = QStringLiteral(".txt");
 QString msg(const AppContext &app, const char *key)
 {
     return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
+}
+
+QString templatePath(const AppContext &app, const QString &name)
+{
+    return QDir(templateFolder(app)).filePath(name + kExtension);
+}
+
+// A name taken by a file of any extension would make two templates look alike in the list.
+bool nameTaken(const QString &folder, const QString &name)
+{
+    return !QDir(folder).entryList({ name + QStringLiteral(".*") }, QDir::Files).isEmpty()
+        || QFileInfo::exists(QDir(folder).filePath(name));
 }
 
 } // namespace
@@ -61,10 +74,7 @@ QString saveTemplate(AppContext &app, const QString &text)
     const QString name = trimBlanks(app.ui().inputText(msg(app, "<chooseTmplName>"), msg(app, "<saveTmpl>"), proposal));
     if (name.isEmpty())
         return {};
-    // A name taken by a file of any extension would make two templates look alike in the list.
-    const bool taken = !QDir(folder).entryList({ name + QStringLiteral(".*") }, QDir::Files).isEmpty()
-        || QFileInfo::exists(QDir(folder).filePath(name));
-    if (taken || !isPlainFileName(name + kExtension)) {
+    if (nameTaken(folder, name) || !isPlainFileName(name + kExtension)) {
         app.ui().message(msg(app, "<tmplExist>"), UserDialogs::Icon::Warning);
         return {};
     }
@@ -74,6 +84,46 @@ QString saveTemplate(AppContext &app, const QString &text)
         return {};
     }
     return name;
+}
+
+bool writeTemplate(AppContext &app, const QString &name, const QString &text)
+{
+    if (!isPlainFileName(name + kExtension))
+        return false;
+    QString error;
+    if (!writeTextFile(templatePath(app, name), text, TextEncoding::Utf8, &error)) {
+        app.ui().contextError(QStringLiteral("SaveTemplate"), error);
+        return false;
+    }
+    return true;
+}
+
+bool renameTemplate(AppContext &app, const QString &name, const QString &newName)
+{
+    const QString wanted = trimBlanks(newName);
+    if (wanted.isEmpty() || wanted == name)
+        return false;
+    if (nameTaken(templateFolder(app), wanted) || !isPlainFileName(wanted + kExtension)) {
+        app.ui().message(msg(app, "<tmplExist>"), UserDialogs::Icon::Warning);
+        return false;
+    }
+    if (!QFile::rename(templatePath(app, name), templatePath(app, wanted))) {
+        app.ui().contextError(QStringLiteral("RenameTemplate"), templatePath(app, name));
+        return false;
+    }
+    return true;
+}
+
+bool deleteTemplate(AppContext &app, const QString &name)
+{
+    if (!isPlainFileName(name + kExtension)
+        || app.ui().question(msg(app, "<delTmpl>") + CRLF + CRLF + name) != UserDialogs::Answer::Yes)
+        return false;
+    if (!QFile::remove(templatePath(app, name))) {
+        app.ui().contextError(QStringLiteral("DeleteTemplate"), templatePath(app, name));
+        return false;
+    }
+    return true;
 }
 
 } // namespace fenwork

@@ -17,5 +17,11 @@ QString readTemplate(const AppContext &app, const QString &name, bool forInserti
 // Asks for a name (a free "TemplateN" proposed) and saves `text`, trimmed, as that template.
 // Returns the new name, or empty when the user gave none or the name is taken with any extension.
 QString saveTemplate(AppContext &app, const QString &text);
+// Writes the changed text of an existing template as it stands.
+bool writeTemplate(AppContext &app, const QString &name, const QString &text);
+// Gives a template another name; a name taken with any extension is refused with "<tmplExist>".
+bool renameTemplate(AppContext &app, const QString &name, const QString &newName);
+// Asks "<delTmpl>", then deletes the template. False when kept.
+bool deleteTemplate(AppContext &app, const QString &name);
 
 } // namespace fenwork

@@ -15,6 +15,7 @@ class CommandState;
 class Selection;
 class IniFile;
 class RecentFiles;
+class SettingsNotice;
 class ToolRunner;
 class TuneStore;
 class Language;
@@ -42,6 +43,7 @@ public:
     TuneStore &store() const { return *m_store; }
     RecentFiles &recent() const { return *m_recent; }
     ToolRunner &tools() const { return *m_tools; }
+    SettingsNotice &settingsNotice() const { return *m_settingsNotice; }
 
     // Shorthand for lang().text(section, key).
     QString text(const QString &section, const QString &key) const;
@@ -70,6 +72,7 @@ private:
     std::unique_ptr<RecentFiles> m_recent;
     std::unique_ptr<TuneStore> m_store;
     std::unique_ptr<ToolRunner> m_tools;
+    std::unique_ptr<SettingsNotice> m_settingsNotice;
 };
 
 } // namespace fenwork

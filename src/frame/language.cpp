@@ -144,6 +144,8 @@ QString Language::text(const QString &section, const QString &key, const QString
         m_parsed->settled = isSettled(*stamp, m_settleMs);
     }
     const auto found = m_parsed->values.constFind(IniFile::valueKey(section, key));
+    if (m_onMissing && (found == m_parsed->values.constEnd() || found.value().isEmpty()))
+        m_onMissing(section, key);
     return found == m_parsed->values.constEnd() ? def : found.value();
 }
 

@@ -2,6 +2,7 @@
 #include <QLocale>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 namespace fenwork {
@@ -28,10 +29,17 @@ public:
     // longer than the file system's time tick.
     void setSettleTime(int ms) { m_settleMs = ms; }
 
+    // Told of every lookup of a key the file lacks or leaves empty: a strict check for tests.
+    void setMissingKeyHandler(std::function<void(const QString &section, const QString &key)> handler)
+    {
+        m_onMissing = std::move(handler);
+    }
+
 private:
     const Paths &m_paths;
     QString m_name;
     int m_settleMs = 2000;
+    std::function<void(const QString &, const QString &)> m_onMissing;
     // The parsed file, checked against the file on disk at every lookup.
     struct Parsed;
     mutable std::shared_ptr<Parsed> m_parsed;

@@ -104,6 +104,10 @@ inline constexpr SettingFamily ToucheProgr{"Editeur", "ToucheProgr"};
 // Export, LstPara
 inline constexpr SettingKey PrintResolution{"Export", "printResolution", "120"};
 inline constexpr SettingKey LstSeparator{"LstPara", "separator", "/"};
+// The version check's server and the address the help menu writes to: empty, we name no server
+// and no address we do not run; the rows that need them stay unavailable until they are set.
+inline constexpr SettingKey UpdateServer{"General", "updateServer", ""};
+inline constexpr SettingKey ContactAddress{"General", "contactAddress", ""};
 } // namespace keys
 
 // The default of a computed key on this machine. `paths` gives the program folder; screen sizes

@@ -108,6 +108,29 @@ bool SynthEngine::start(QString *error)
     return true;
 }
 
+bool SynthEngine::reloadSoundFont(QString *error)
+{
+    if (!m_started)
+        return true;
+    const QString font = chooseSoundFont(m_soundFontSetting);
+    if (font.isEmpty() || font == m_soundFont)
+        return !font.isEmpty();
+    const int id = fluid_synth_sfload(m_synth, QFile::encodeName(font).constData(), 1);
+    if (id == FLUID_FAILED) {
+        if (error)
+            *error = QStringLiteral("The SoundFont cannot be loaded: ") + font;
+        return false;
+    }
+    if (m_soundFontId != FLUID_FAILED)
+        fluid_synth_sfunload(m_synth, m_soundFontId, 1);
+    m_soundFontId = id;
+    m_soundFont = font;
+    m_soundFontNote.clear();
+    if (!m_soundFontSetting.isEmpty() && QFileInfo(m_soundFontSetting).absoluteFilePath() != font)
+        m_soundFontNote = QStringLiteral("SoundFont %1 not found, %2 is used").arg(m_soundFontSetting, font);
+    return true;
+}
+
 void SynthEngine::startInBackground()
 {
     if (m_started || m_starting.valid())
@@ -139,7 +162,8 @@ bool SynthEngine::startNow(QString *error)
         m_settings = nullptr;
         return false;
     }
-    if (fluid_synth_sfload(m_synth, QFile::encodeName(font).constData(), 1) == FLUID_FAILED) {
+    m_soundFontId = fluid_synth_sfload(m_synth, QFile::encodeName(font).constData(), 1);
+    if (m_soundFontId == FLUID_FAILED) {
         if (error)
             *error = QStringLiteral("The SoundFont cannot be loaded: ") + font;
         delete_fluid_synth(m_synth);

@@ -31,6 +31,9 @@ public:
 
     // The SoundFont setting; read at start().
     void setSoundFontSetting(const QString &path) { m_soundFontSetting = path; }
+    // Once started: loads the SoundFont the setting now names in place of the one in use, so that
+    // the next notes sound with it. False, with the reason, when it cannot be loaded.
+    bool reloadSoundFont(QString *error = nullptr);
     // Makes the synthesiser, loads the SoundFont and opens the audio output, once. False, with
     // the reason, when no SoundFont loads; a missing sound device is no failure.
     bool start(QString *error = nullptr);
@@ -86,6 +89,7 @@ private:
     QString m_soundFontSetting;
     QString m_soundFont;
     QString m_soundFontNote;
+    int m_soundFontId = -1;
     QString m_output;
     fluid_settings_t *m_settings = nullptr;
     fluid_synth_t *m_synth = nullptr;

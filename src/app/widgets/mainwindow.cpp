@@ -13,6 +13,7 @@
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
+#include "app/helplinks.h"
 #include "app/session.h"
 #include "frame/settings.h"
 #include "frame/strutil.h"
@@ -385,6 +386,7 @@ void MainWindow::connectCommands()
     connectPublishCommands();
     connectToolsCommands();
     connectListCommands();
+    connectHelpCommands();
 }
 
 void MainWindow::NodeClick(const QString &key)
@@ -470,6 +472,11 @@ void MainWindow::openHandedOver(const QString &path)
     }
     raise();
     activateWindow();
+    // A session holds the tree's nodes as they are: the file waits for its end.
+    if (m_edit->isEditing()) {
+        m_handedOverDuringEdit.append(path);
+        return;
+    }
     openPath(path, true);
 }
 
@@ -551,6 +558,8 @@ template <class Dialog> void MainWindow::showToolWindow()
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         if constexpr (std::is_same_v<Dialog, InsertionDialog>)
             dialog->insertText = [this](const QString &text) { return m_edit->insertText(text); };
+        if constexpr (std::is_same_v<Dialog, TempoDialog>)
+            connect(dialog, &TempoDialog::helpRequested, this, [this] { openHelp(kTempoHelpTopic); });
     }
     dialog->show();
     dialog->raise();

@@ -59,6 +59,12 @@ public:
     void quitWithoutQuestions();
     // Ctrl+W: the text panel alone in the window, or the panels back.
     void bt_editMax_Click();
+    // Our help window at `topic` (0: the guide's beginning).
+    void openHelp(int topic);
+    // The options dialog, modal, on tab `tab` (-1: the first).
+    void showOptions(int tab);
+    // Asks the update server for a newer version, beside the interface; `silent` at start-up.
+    void CheckVersion(bool silent);
 
     ExplorerPanel *explorer() const { return m_explorer; }
     ChoiceList &choiceList() const { return *m_choiceList; }
@@ -83,6 +89,8 @@ private:
     void connectPublishCommands();
     void connectToolsCommands();
     void connectListCommands();
+    void connectHelpCommands();
+    void followSettings(bool languageChanged);
     void applyGeometry();
     WindowGeometry currentGeometry() const;
 
@@ -125,6 +133,8 @@ private:
     bool m_quitting = false;
     bool m_unattended = false;
     bool m_editMax = false;
+    QList<int> m_sizesBeforeEditMax; // PanelX, PanelYG, PanelYD of the normal view
+    QStringList m_handedOverDuringEdit; // opened when the session ends: it holds the tree as it is
 };
 
 } // namespace fenwork

@@ -76,6 +76,15 @@ WindowGeometry MainWindow::currentGeometry() const
     g.panelX = m_splitX->sizes().value(0);
     g.panelYG = m_splitLeft->sizes().value(0);
     g.panelYD = m_splitRight->sizes().value(0);
+    // The text or the score alone in the window: the positions to keep are those of the normal view.
+    if (m_score->isFullPanel())
+        g.panelYD = m_score->homeSizes().value(0, g.panelYD);
+    if (m_editMax) {
+        g.panelX = m_sizesBeforeEditMax.value(0, g.panelX);
+        g.panelYG = m_sizesBeforeEditMax.value(1, g.panelYG);
+        if (!m_score->isFullPanel())
+            g.panelYD = m_sizesBeforeEditMax.value(2, g.panelYD);
+    }
     return g;
 }
 
@@ -162,6 +171,9 @@ void MainWindow::bt_editMax_Click()
 {
     // The text alone in the window, for long tunes; the same key brings the panels back.
     m_editMax = !m_editMax;
+    if (m_editMax)
+        m_sizesBeforeEditMax = { m_splitX->sizes().value(0), m_splitLeft->sizes().value(0),
+            m_splitRight->sizes().value(0) };
     m_splitLeft->setVisible(!m_editMax);
     m_score->setVisible(!m_editMax);
     m_textPanel->editor()->setFocus();

@@ -12,6 +12,8 @@
 
 #include <QToolBar>
 
+#include <utility>
+
 namespace fenwork {
 
 void MainWindow::EpurerListeChoix()
@@ -47,6 +49,9 @@ void MainWindow::openAfterSession(const QString &editedKey, bool validated)
     if (validated)
         SimulerNodeClick(editedKey);
     view->setFocus();
+    const QStringList waiting = std::exchange(m_handedOverDuringEdit, {});
+    for (const QString &path : waiting)
+        openPath(path, true);
 }
 
 } // namespace fenwork

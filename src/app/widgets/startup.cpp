@@ -30,6 +30,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+#include <QTimer>
 #include <QUrl>
 
 namespace fenwork {
@@ -152,7 +153,9 @@ int Main(const QStringList &arguments)
         TipsDialog tips(app, &window);
         tips.exec();
     }
-    // The version check runs here once it exists; nothing is fetched at start until then.
+    // Once the event loop runs, so that it costs the start nothing; it speaks when the server answers.
+    if (ini.getBool(keys::CheckNewVersion))
+        QTimer::singleShot(0, &window, [&window] { window.CheckVersion(true); });
 
     QApplication::setQuitOnLastWindowClosed(true);
     if (signalsWatch.wasRequested()) {

@@ -428,6 +428,14 @@ void EditController::popupMenu(const QPoint &pos)
         QIcon::fromTheme(QStringLiteral("edit-paste")), text("<paste>"), this, &EditController::paste);
     pasteItem->setEnabled(editing && !QApplication::clipboard()->text().isEmpty());
     m_popup->addSeparator();
+    // Context help and the tune's tools come with the reference panel and the tools dialog.
+    QAction *help = m_popup->addAction(QIcon::fromTheme(QStringLiteral("help-contextual")), text("<abcHlp>"));
+    help->setObjectName(QStringLiteral("pop_ABC_item3"));
+    help->setEnabled(false);
+    QAction *tools = m_popup->addAction(text("<tuneTools>"));
+    tools->setObjectName(QStringLiteral("pop_ABC_item4"));
+    tools->setEnabled(false);
+    m_popup->addSeparator();
     m_popup->addAction(QIcon::fromTheme(QStringLiteral("edit-select-all")),
         QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText), editor,
         &QPlainTextEdit::selectAll);

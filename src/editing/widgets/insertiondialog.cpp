@@ -77,6 +77,12 @@ InsertionDialog::InsertionDialog(AppContext &app, QWidget *parent)
     close->setObjectName(QStringLiteral("bt_esc"));
     close->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
 
+    // Kept with their keys, so that a change of language retitles the open window.
+    m_captions = { { info, kInser, QStringLiteral("<info>") }, { codeLabel, kInser, QStringLiteral("<textToReplace>") },
+        { textLabel, kInser, QStringLiteral("<textToInsert>") }, { add, kInser, QStringLiteral("<newInsertion>") },
+        { m_delete, kInser, QStringLiteral("<delete>") }, { deleteAll, kInser, QStringLiteral("<deleteAll>") },
+        { m_insert, kInser, QStringLiteral("<insert>") }, { close, QStringLiteral("Common"), QStringLiteral("<close>") } };
+
     auto *whole = new QVBoxLayout(this);
     whole->addLayout(fields, 1);
     whole->addWidget(info);
@@ -193,6 +199,17 @@ void InsertionDialog::save()
     QString error;
     if (!writeInsAuto(insAutoFile(m_app), m_entries, &error))
         m_app.ui().contextError(QStringLiteral("fp_inser"), error);
+}
+
+void InsertionDialog::LoadLang()
+{
+    setWindowTitle(m_app.text(kInser, QStringLiteral("<autoInsertion>")));
+    for (const auto &[widget, section, key] : std::as_const(m_captions)) {
+        if (auto *label = qobject_cast<QLabel *>(widget))
+            label->setText(m_app.text(section, key));
+        else if (auto *button = qobject_cast<QPushButton *>(widget))
+            button->setText(m_app.text(section, key));
+    }
 }
 
 } // namespace fenwork

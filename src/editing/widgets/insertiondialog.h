@@ -29,6 +29,8 @@ public:
     const QList<InsertionEntry> &entries() const { return m_entries; }
 
 public slots:
+    // Sets the texts again, after a change of language.
+    void LoadLang();
     void lst_code_Click(int row);
     void bt_new_Click();
     void bt_sup_Click();
@@ -48,6 +50,13 @@ private:
     QPlainTextEdit *m_text; // txt_remp
     QPushButton *m_delete;
     QPushButton *m_insert;
+    struct Caption
+    {
+        QWidget *widget;
+        QString section;
+        QString key;
+    };
+    QList<Caption> m_captions;
     bool m_showing = false; // the fields are being filled, not typed into
 };
 

@@ -495,6 +495,22 @@ void PlayerPanel::bt_gmDef_Click(bool rightButton)
     lst_GMplayer_Click();
 }
 
+void PlayerPanel::applySettings()
+{
+    bt_gmDef_Click(false);
+    m_engine->setSoundFontSetting(m_app.ini().get(keys::SoundFont));
+    m_soundFontPending = m_performance;
+    QString error;
+    if (!m_soundFontPending && !m_engine->reloadSoundFont(&error))
+        m_app.ui().contextError(QStringLiteral("SoundFont"), error);
+}
+
+void PlayerPanel::stepSlider(int index, int delta)
+{
+    if (index >= 0 && index < 2)
+        m_sliders[index]->setValue(m_sliders[index]->value() + delta);
+}
+
 void PlayerPanel::chk_seeMix_Click(bool shown)
 {
     m_mixer->setVisible(shown);

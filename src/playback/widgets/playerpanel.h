@@ -69,6 +69,11 @@ public:
     // Puts the drone panel under the player, shown by `chk_seeDrone`.
     void setDronePanel(QWidget *panel);
     void LoadLang();
+    // The settings changed: the default instrument at once, the SoundFont now or, while a tune
+    // plays, at its stop.
+    void applySettings();
+    // Moves the tempo (0) or volume (1) slider by `delta`, as Alt and the arrow keys do.
+    void stepSlider(int index, int delta);
 
     // A tune is loaded for playing, from the press of Play until Stop.
     bool hasPerformance() const { return m_performance; }
@@ -183,6 +188,7 @@ private:
     bool m_guardStopped = true; // stopped: a release of Play is not answered
     bool m_busy = false;
     bool m_outputReported = false;
+    bool m_soundFontPending = false;
     quint64 m_stops = 0; // Stops so far: the waits end when it moves
     QElapsedTimer m_notPlaying; // since when the tune no longer plays
     std::unique_ptr<PlaySequence> m_sequence; // last: it goes first, before what its hooks reach

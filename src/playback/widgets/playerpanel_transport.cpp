@@ -158,6 +158,10 @@ void PlayerPanel::doStop()
     m_mixer->setSlidersEnabled(false);
     m_player->unload();
     m_performance = false;
+    if (m_soundFontPending) {
+        m_soundFontPending = false;
+        m_engine->reloadSoundFont();
+    }
     m_progress->setEnabled(false);
     m_tmMidi->stop();
     {

@@ -26,10 +26,7 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
     , m_tapper(std::move(clock))
 {
     setObjectName(QStringLiteral("f_tempo"));
-    const auto text = [&app](const char *key) { return app.text(kTempo, QString::fromLatin1(key)); };
-    setWindowTitle(text("<tempoMtr>"));
-
-    auto *info = new QLabel(text("<info>"), this);
+    auto *info = m_info = new QLabel(this);
     info->setObjectName(QStringLiteral("lab_info"));
     info->setWordWrap(true);
 
@@ -46,7 +43,9 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
         label->setFont(big);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("0000")));
-        auto *name = new QLabel(text(caption), this);
+        auto *name = new QLabel(this);
+        name->setProperty("langKey", QString::fromLatin1(caption));
+        m_captions.append(name);
         name->setBuddy(label);
         values->addWidget(name, row, 0);
         values->addWidget(label, row, 1);
@@ -67,11 +66,10 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
     m_echantil->setTickInterval(TempoTapper::kPeriodStep);
     m_echantil->setTickPosition(QSlider::TicksBelow);
     m_echantil->setValue(TempoTapper::kDefaultPeriod);
-    m_echantil->setToolTip(text("<period>"));
     m_periodValue = new QLabel(this);
     m_periodValue->setMinimumWidth(m_periodValue->fontMetrics().horizontalAdvance(QStringLiteral("00 s")));
     auto *periodRow = new QHBoxLayout;
-    auto *periodLabel = new QLabel(text("<period>"), this);
+    auto *periodLabel = m_periodLabel = new QLabel(this);
     periodLabel->setBuddy(m_echantil);
     periodRow->addWidget(periodLabel);
     periodRow->addWidget(m_echantil, 1);
@@ -90,9 +88,9 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
     });
     m_periodValue->setText(QStringLiteral("%1 s").arg(m_echantil->value()));
 
-    m_stop = new QPushButton(app.text(QStringLiteral("TTText"), QStringLiteral("<stop>")), this);
+    m_stop = new QPushButton(this);
     m_stop->setObjectName(QStringLiteral("bt_stop"));
-    auto *help = m_help = new QPushButton(text("<hlp>"), this);
+    auto *help = m_help = new QPushButton(this);
     help->setObjectName(QStringLiteral("bt_hlp"));
     connect(m_stop, &QPushButton::clicked, this, &TempoDialog::bt_stop_Click);
     connect(help, &QPushButton::clicked, this, &TempoDialog::helpRequested);
@@ -122,10 +120,24 @@ TempoDialog::TempoDialog(AppContext &app, QWidget *parent, TempoTapper::Clock cl
     layout->addLayout(buttons);
     setMinimumWidth(320);
 
+    LoadLang();
     showState();
 }
 
 TempoDialog::~TempoDialog() = default;
+
+void TempoDialog::LoadLang()
+{
+    const auto text = [this](const char *key) { return m_app.text(kTempo, QString::fromLatin1(key)); };
+    setWindowTitle(text("<tempoMtr>"));
+    m_info->setText(text("<info>"));
+    for (QLabel *caption : std::as_const(m_captions))
+        caption->setText(m_app.text(kTempo, caption->property("langKey").toString()));
+    m_echantil->setToolTip(text("<period>"));
+    m_periodLabel->setText(text("<period>"));
+    m_stop->setText(m_app.text(QStringLiteral("TTText"), QStringLiteral("<stop>")));
+    m_help->setText(text("<hlp>"));
+}
 
 void TempoDialog::showEvent(QShowEvent *event)
 {

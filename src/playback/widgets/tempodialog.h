@@ -25,6 +25,7 @@ public:
     const TempoTapper &tapper() const { return m_tapper; }
 
 public slots:
+    void LoadLang();
     void tapKey();
     void tm_cumul_Timer();
     void bt_stop_Click();
@@ -50,6 +51,9 @@ private:
     QTimer *m_cumul = nullptr; // tm_cumul
     QPushButton *m_stop = nullptr; // bt_stop
     QPushButton *m_help = nullptr; // bt_hlp
+    QLabel *m_info = nullptr;
+    QLabel *m_periodLabel = nullptr;
+    QList<QLabel *> m_captions; // the names of the two tempos, with their keys
 };
 
 } // namespace fenwork

@@ -69,6 +69,8 @@ public:
     // Ghostscript turned out to be missing elsewhere: only the refresh button draws from now on.
     void enterDegradedMode();
     bool isFullPanel() const { return m_full; }
+    // In the full panel: the sizes of the splitter it came from, as they were before.
+    QList<int> homeSizes() const { return m_homeSizes; }
     ScoreRefresher &refresher() { return *m_refresher; }
     // Refreshes run so far (the engraver may run twice in one).
     int refreshCount() const { return m_refreshCount; }
