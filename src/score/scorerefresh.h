@@ -6,9 +6,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 namespace fenwork {
 
 class AppContext;
+class WarmGhostscript;
 
 // The picture control that receives the page. Only the score panel's own picture speaks to the
 // user (status texts of the retry and of invalid ABC).
@@ -46,6 +49,7 @@ class ScoreRefresher
 {
 public:
     explicit ScoreRefresher(AppContext &app);
+    ~ScoreRefresher();
 
     // bt_seeScore is visible: only a forced refresh draws. Set at start when the seeScore
     // setting is off, and when Ghostscript turns out to be missing.
@@ -67,6 +71,9 @@ public:
     // The arguments of the Ghostscript call for `resolution` dots per inch.
     static QStringList ghostscriptArguments(int resolution);
 
+    // Rasterises with a new interpreter for every refresh, as before the kept one (for comparing).
+    void setKeepInterpreter(bool keep) { m_keepInterpreter = keep; }
+
 private:
     QImage loadBlank(QString *path) const;
 
@@ -74,6 +81,8 @@ private:
     QString m_blankPicture;
     bool m_manualOnly = false;
     bool m_missingToolTold = false; // the box for a missing engraver is shown once, then the strip
+    bool m_keepInterpreter = true;
+    std::unique_ptr<WarmGhostscript> m_ghostscript; // kept from one refresh to the next
 };
 
 } // namespace fenwork
