@@ -31,6 +31,9 @@ public:
 
     // The SoundFont setting; read at start().
     void setSoundFontSetting(const QString &path) { m_soundFontSetting = path; }
+    // Loads every sample of the SoundFont at start() instead of those of the instruments in use
+    // (for comparing the two).
+    void setWholeSoundFont(bool whole) { m_wholeSoundFont = whole; }
     // Makes the synthesiser, loads the SoundFont and opens the audio output, once. False, with
     // the reason, when no SoundFont loads; a missing sound device is no failure.
     bool start(QString *error = nullptr);
@@ -96,6 +99,7 @@ private:
     std::future<bool> m_starting;
     QString m_startError;
     bool m_tuneLoaded = false;
+    bool m_wholeSoundFont = false;
     bool m_echoMuted = false;
     double m_roomSize = 0;
     double m_echoLevel = 0;
