@@ -104,6 +104,8 @@ inline constexpr SettingFamily ToucheProgr{"Editeur", "ToucheProgr"};
 // Export, LstPara
 inline constexpr SettingKey PrintResolution{"Export", "printResolution", "120"};
 inline constexpr SettingKey LstSeparator{"LstPara", "separator", "/"};
+// The score's zoom follows the panel's width ("1"), or the slider alone.
+inline constexpr SettingKey ZoomFit{"Editeur", "ZoomFit", "1"};
 } // namespace keys
 
 // The default of a computed key on this machine. `paths` gives the program folder; screen sizes

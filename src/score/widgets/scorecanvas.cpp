@@ -137,6 +137,12 @@ void ScoreCanvas::updateRanges()
     m_v->setPageStep(qMax(1, desk.height()));
 }
 
+int ScoreCanvas::roomForWidth() const
+{
+    const int desk = m_desk->width() > 0 ? m_desk->width() : width() - m_v->sizeHint().width();
+    return desk - 2 * kMargin;
+}
+
 void ScoreCanvas::placePicture()
 {
     const int deskWidth = m_desk->width();
