@@ -75,6 +75,13 @@ constexpr double kUnityGain = 0.6;
 
 } // namespace
 
+void keepInstrument(fluid_synth_t *synth, int channel)
+{
+    int font = 0, bank = 0, program = 0;
+    if (synth && fluid_synth_get_program(synth, channel, &font, &bank, &program) == FLUID_OK)
+        fluid_synth_pin_preset(synth, font, bank, program);
+}
+
 SynthEngine::SynthEngine(Mode mode)
     : m_mode(mode)
 {

@@ -14,6 +14,12 @@ typedef struct _fluid_audio_driver_t fluid_audio_driver_t;
 
 namespace fenwork {
 
+// Keeps the samples of the instrument now chosen on `channel` in memory for the rest of the run.
+// Samples are read as instruments are chosen, and a program change lets go of the instrument it
+// leaves: without this, each tune's program changes would read their instruments again and delay
+// its first note.
+void keepInstrument(fluid_synth_t *synth, int channel);
+
 class SynthEngine
 {
 public:
