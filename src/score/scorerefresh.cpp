@@ -94,13 +94,21 @@ QString ScoreRefresher::scoreText(const ScoreSource &source) const
     return header + CRLF + tune;
 }
 
+QImage ScoreRefresher::blankImage() const
+{
+    if (m_blankRead != m_blankPicture || (m_blankImage.isNull() && !m_blankPicture.isEmpty())) {
+        m_blankRead = m_blankPicture;
+        m_blankImage = QImage();
+        if (!m_blankPicture.isEmpty())
+            m_blankImage.load(m_blankPicture);
+    }
+    return m_blankImage;
+}
+
 QImage ScoreRefresher::loadBlank(QString *path) const
 {
     *path = m_blankPicture;
-    QImage image;
-    if (!m_blankPicture.isEmpty())
-        image.load(m_blankPicture);
-    return image;
+    return blankImage();
 }
 
 ScoreOutcome ScoreRefresher::PartitionRefresh(

@@ -59,6 +59,8 @@ public:
     // The picture shown when there is no score.
     QString blankPicture() const { return m_blankPicture; }
     void setBlankPicture(const QString &path) { m_blankPicture = path; }
+    // That picture, read once for each path (null when the file is missing).
+    QImage blankImage() const;
 
     // Redraws the score. `page` below 1 is raised to 1, and the caller sees the raised value.
     ScoreOutcome PartitionRefresh(
@@ -79,6 +81,8 @@ private:
 
     AppContext &m_app;
     QString m_blankPicture;
+    mutable QString m_blankRead; // the path m_blankImage was read from
+    mutable QImage m_blankImage;
     bool m_manualOnly = false;
     bool m_missingToolTold = false; // the box for a missing engraver is shown once, then the strip
     bool m_keepInterpreter = true;

@@ -25,6 +25,10 @@ public:
     }
     void setPage(const QImage &image)
     {
+        // The blank page comes back on every click on a file or its header: it is converted once.
+        if (!m_pixmap.isNull() && image.cacheKey() == m_imageKey)
+            return;
+        m_imageKey = image.cacheKey();
         m_pixmap = QPixmap::fromImage(image);
         resize(m_pixmap.size());
         update();
@@ -40,6 +44,7 @@ protected:
 
 private:
     QPixmap m_pixmap;
+    qint64 m_imageKey = 0;
 };
 
 // The grey desk the page lies on, with the page's shadow.

@@ -422,9 +422,7 @@ void ScorePanel::apply(const ScoreOutcome &outcome, int page)
 
 void ScorePanel::showBlankPicture()
 {
-    QImage blank;
-    if (!m_refresher->blankPicture().isEmpty())
-        blank.load(m_refresher->blankPicture());
+    const QImage blank = m_refresher->blankImage();
     m_canvas->setImage(blank.isNull() ? drawnBlankPage(m_zoom->value()) : blank);
 }
 
