@@ -12,6 +12,17 @@ if [ ! -x "$BENCH" ]; then
   exit 1
 fi
 
+summary_dir=$(mktemp -d)
+export FENWORK_BENCH_SUMMARY="$summary_dir/rows.txt"
+: > "$FENWORK_BENCH_SUMMARY"
+print_summary() {
+  echo
+  echo "Summary: each figure beside its anchor, measured in this run (medians)"
+  printf '  %-44s | %11s | %-34s | %11s | %6s | %s\n' "measure" "ours" "anchor" "anchor" "ratio" "goal"
+  sed 's/^/  /' "$FENWORK_BENCH_SUMMARY"
+  rm -rf "$summary_dir"
+}
+
 "$BENCH"
 
 # Each subsystem's own figures (score, playback ...), one script each.
@@ -20,6 +31,8 @@ for part in "$(dirname "$0")"/parts/*.sh; do
   echo
   bash "$part" "$BUILD"
 done
+
+print_summary
 
 echo
 if ! command -v hyperfine >/dev/null; then

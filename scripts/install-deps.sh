@@ -8,7 +8,7 @@ PACKAGES=(
   qt6-base-dev qt6-base-dev-tools libqt6svg6 breeze-icon-theme qt6-translations-l10n
   libgs-dev ghostscript
   abcm2ps abcmidi
-  libfluidsynth-dev timgm6mb-soundfont
+  libfluidsynth-dev timgm6mb-soundfont fluidsynth
   xvfb xauth
   clang libclang-rt-14-dev hyperfine
   xdg-utils desktop-file-utils

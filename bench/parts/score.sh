@@ -17,7 +17,7 @@ if ! command -v hyperfine >/dev/null || ! command -v abcm2ps >/dev/null || ! com
   exit 0
 fi
 here=$(cd "$(dirname "$0")/../.." && pwd)
-tune="$here/../shared/corpus/tuneworks/abc_1201_cooleys.abc"
+tune="${FENWORK_CORPUS_DIR:-$here/../shared/corpus}/tuneworks/abc_1201_cooleys.abc"
 [ -f "$tune" ] || exit 0
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -90,7 +90,7 @@ int main(int argc, char **argv)
     }
     std::sort(firstSound.begin(), firstSound.end());
     const double median = firstSound.at(firstSound.size() / 2);
-    std::printf("playback: SoundFont and audio ready in %lld ms (once a run, in the background)\n", loadMs);
+    std::printf("playback: synthesiser, SoundFont and audio ready in %lld ms (once a run, at the first Play)\n", loadMs);
     std::printf("playback: press of Play to the first note, %lld presses: median %.1f ms, worst %.1f ms"
                 " (+ the device buffer, ~23 ms)\n",
         qlonglong(firstSound.size()), median, firstSound.last());

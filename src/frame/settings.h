@@ -108,6 +108,8 @@ inline constexpr SettingKey LstSeparator{"LstPara", "separator", "/"};
 // and no address we do not run; the rows that need them stay unavailable until they are set.
 inline constexpr SettingKey UpdateServer{"General", "updateServer", ""};
 inline constexpr SettingKey ContactAddress{"General", "contactAddress", ""};
+// The score's zoom follows the panel's width ("1"), or the slider alone.
+inline constexpr SettingKey ZoomFit{"Editeur", "ZoomFit", "1"};
 } // namespace keys
 
 // The default of a computed key on this machine. `paths` gives the program folder; screen sizes

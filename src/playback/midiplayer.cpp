@@ -45,12 +45,16 @@ struct MidiPlayer::Filter
     std::atomic<int> transpose { 0 };
     std::array<std::atomic<int>, SynthEngine::kChannels> program;
     std::array<std::atomic<int>, SynthEngine::kChannels> volume;
+    // The file's last program change on each channel that no note has heard yet.
+    std::array<std::atomic<int>, SynthEngine::kChannels> pendingProgram;
     qint8 sounding[SynthEngine::kChannels][128];
 
     Filter() { reset(); }
     void reset()
     {
         for (auto &p : program)
+            p = -1;
+        for (auto &p : pendingProgram)
             p = -1;
         for (auto &v : volume)
             v = -1;
@@ -103,20 +107,24 @@ int onEvent(void *data, fluid_midi_event_t *event)
             sounding = kSilent;
         if (played < 0 || played > 127)
             return FLUID_OK;
+        if (starts) {
+            if (const int pending = filter.pendingProgram[channel].exchange(-1); pending >= 0) {
+                const int chosen = filter.program[channel].load();
+                fluid_synth_program_change(filter.synth, channel, chosen >= 0 ? chosen : pending);
+                keepInstrument(filter.synth, channel);
+            }
+        }
         fluid_midi_event_set_key(event, played);
         const int result = fluid_synth_handle_midi_event(filter.synth, event);
         fluid_midi_event_set_key(event, key);
         return result;
     }
     if (type == kProgramChange) {
-        const int chosen = filter.program[channel].load();
-        if (chosen < 0)
-            return fluid_synth_handle_midi_event(filter.synth, event);
-        const int own = fluid_midi_event_get_program(event);
-        fluid_midi_event_set_program(event, chosen);
-        const int result = fluid_synth_handle_midi_event(filter.synth, event);
-        fluid_midi_event_set_program(event, own);
-        return result;
+        // A tune's file chooses every program in turn at its start, so that each is at hand;
+        // only the last one before a note is heard. Chosen at the channel's next note instead,
+        // an instrument is read from the SoundFont only when it sounds.
+        filter.pendingProgram[channel] = fluid_midi_event_get_program(event);
+        return FLUID_OK;
     }
     if (type == kControlChange && fluid_midi_event_get_control(event) == kVolumeController) {
         const int chosen = filter.volume[channel].load();
@@ -177,6 +185,7 @@ bool MidiPlayer::load(const QString &path, QString *error)
         if (!(fresh & (1u << channel)))
             continue;
         fluid_synth_program_change(synth, channel, 0);
+        keepInstrument(synth, channel);
         fluid_synth_cc(synth, channel, 121, 0); // reset all controllers
         fluid_synth_cc(synth, channel, kVolumeController, 100);
         fluid_synth_cc(synth, channel, 10, 64); // pan to the centre
@@ -319,6 +328,7 @@ void MidiPlayer::programChange(int channel, int program)
     if (m_current)
         m_filter->program[channel] = program;
     fluid_synth_program_change(m_engine.synth(), channel, program);
+    keepInstrument(m_engine.synth(), channel);
 }
 
 void MidiPlayer::sendMidi(int channel, int status, int data1, int data2)

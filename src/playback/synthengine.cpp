@@ -75,6 +75,13 @@ constexpr double kUnityGain = 0.6;
 
 } // namespace
 
+void keepInstrument(fluid_synth_t *synth, int channel)
+{
+    int font = 0, bank = 0, program = 0;
+    if (synth && fluid_synth_get_program(synth, channel, &font, &bank, &program) == FLUID_OK)
+        fluid_synth_pin_preset(synth, font, bank, program);
+}
+
 SynthEngine::SynthEngine(Mode mode)
     : m_mode(mode)
 {
@@ -154,6 +161,12 @@ bool SynthEngine::startNow(QString *error)
     fluid_settings_setnum(m_settings, "synth.gain", kUnityGain);
     // A new tune must not reset the synthesiser: that would cut a drone that sounds with it.
     fluid_settings_setint(m_settings, "player.reset-synth", 0);
+    // Only the samples of the instruments selected on a channel are read, when they are
+    // selected: a large General MIDI font would otherwise fill memory with the 128 instruments
+    // a tune never asks for. A program change reads its instrument in a few milliseconds, so
+    // the first note still comes at once (loading the whole font only when Play is first
+    // pressed would keep the memory and make that first press wait for all of it).
+    fluid_settings_setint(m_settings, "synth.dynamic-sample-loading", m_wholeSoundFont ? 0 : 1);
     m_synth = new_fluid_synth(m_settings);
     if (!m_synth) {
         if (error)

@@ -14,6 +14,12 @@ typedef struct _fluid_audio_driver_t fluid_audio_driver_t;
 
 namespace fenwork {
 
+// Keeps the samples of the instrument now chosen on `channel` in memory for the rest of the run.
+// Samples are read as instruments are chosen, and a program change lets go of the instrument it
+// leaves: without this, each tune's program changes would read their instruments again and delay
+// its first note.
+void keepInstrument(fluid_synth_t *synth, int channel);
+
 class SynthEngine
 {
 public:
@@ -34,6 +40,9 @@ public:
     // Once started: loads the SoundFont the setting now names in place of the one in use, so that
     // the next notes sound with it. False, with the reason, when it cannot be loaded.
     bool reloadSoundFont(QString *error = nullptr);
+    // Loads every sample of the SoundFont at start() instead of those of the instruments in use
+    // (for comparing the two).
+    void setWholeSoundFont(bool whole) { m_wholeSoundFont = whole; }
     // Makes the synthesiser, loads the SoundFont and opens the audio output, once. False, with
     // the reason, when no SoundFont loads; a missing sound device is no failure.
     bool start(QString *error = nullptr);
@@ -100,6 +109,7 @@ private:
     std::future<bool> m_starting;
     QString m_startError;
     bool m_tuneLoaded = false;
+    bool m_wholeSoundFont = false;
     bool m_echoMuted = false;
     double m_roomSize = 0;
     double m_echoLevel = 0;

@@ -81,6 +81,7 @@ void SynthMidiOut::shortMsg(quint32 message)
         break;
     case 0xC0:
         fluid_synth_program_change(synth, channel, data1);
+        keepInstrument(synth, channel);
         break;
     case 0xD0:
         fluid_synth_channel_pressure(synth, channel, data1);

@@ -8,6 +8,7 @@
 #include "frame/textfile.h"
 #include "frame/toolrunner.h"
 #include "frame/userdialogs.h"
+#include "frame/warmghostscript.h"
 #include "store/tunestore.h"
 
 #include <QDir>
@@ -62,7 +63,10 @@ private:
 
 ScoreRefresher::ScoreRefresher(AppContext &app)
     : m_app(app)
+    , m_ghostscript(std::make_unique<WarmGhostscript>())
 { }
+
+ScoreRefresher::~ScoreRefresher() = default;
 
 QStringList ScoreRefresher::ghostscriptArguments(int resolution)
 {
@@ -71,6 +75,9 @@ QStringList ScoreRefresher::ghostscriptArguments(int resolution)
     // Ghostscript 10 refuses -r0: no resolution means the device's own.
     if (resolution > 0)
         arguments << QStringLiteral("-r") + QString::number(resolution);
+    // Smoothed text and lines, so that the page reads like any other score on screen; the rest
+    // of the list keeps its classic order.
+    arguments << QStringLiteral("-dTextAlphaBits=4") << QStringLiteral("-dGraphicsAlphaBits=4");
     arguments << QStringLiteral("-sDEVICE=bmpgray") << QStringLiteral("-sOutputFile=tmp%d.bmp")
               << QStringLiteral("-c") << QStringLiteral("-f") << kPostScript;
     return arguments;
@@ -87,13 +94,21 @@ QString ScoreRefresher::scoreText(const ScoreSource &source) const
     return header + CRLF + tune;
 }
 
+QImage ScoreRefresher::blankImage() const
+{
+    if (m_blankRead != m_blankPicture || (m_blankImage.isNull() && !m_blankPicture.isEmpty())) {
+        m_blankRead = m_blankPicture;
+        m_blankImage = QImage();
+        if (!m_blankPicture.isEmpty())
+            m_blankImage.load(m_blankPicture);
+    }
+    return m_blankImage;
+}
+
 QImage ScoreRefresher::loadBlank(QString *path) const
 {
     *path = m_blankPicture;
-    QImage image;
-    if (!m_blankPicture.isEmpty())
-        image.load(m_blankPicture);
-    return image;
+    return blankImage();
 }
 
 ScoreOutcome ScoreRefresher::PartitionRefresh(
@@ -164,7 +179,15 @@ ScoreOutcome ScoreRefresher::PartitionRefresh(
         bool ran;
         if (QFileInfo(postScript).size() > 0) {
             const CurrentFolder inCache(cache);
-            ran = RunGhostscript(ghostscriptArguments(resolution), &error);
+            QStringList arguments = ghostscriptArguments(resolution);
+            if (m_keepInterpreter) {
+                // The kept interpreter is set up with the list up to the output file and is
+                // handed the PostScript for each run.
+                arguments.resize(arguments.size() - 3);
+                ran = m_ghostscript->run(arguments, kPostScript, &error);
+            } else {
+                ran = RunGhostscript(arguments, &error);
+            }
         } else {
             ran = ghostscriptAvailable(&error);
         }

@@ -6,9 +6,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 namespace fenwork {
 
 class AppContext;
+class WarmGhostscript;
 
 // The picture control that receives the page. Only the score panel's own picture speaks to the
 // user (status texts of the retry and of invalid ABC).
@@ -46,6 +49,7 @@ class ScoreRefresher
 {
 public:
     explicit ScoreRefresher(AppContext &app);
+    ~ScoreRefresher();
 
     // bt_seeScore is visible: only a forced refresh draws. Set at start when the seeScore
     // setting is off, and when Ghostscript turns out to be missing.
@@ -55,6 +59,8 @@ public:
     // The picture shown when there is no score.
     QString blankPicture() const { return m_blankPicture; }
     void setBlankPicture(const QString &path) { m_blankPicture = path; }
+    // That picture, read once for each path (null when the file is missing).
+    QImage blankImage() const;
 
     // Redraws the score. `page` below 1 is raised to 1, and the caller sees the raised value.
     ScoreOutcome PartitionRefresh(
@@ -67,13 +73,20 @@ public:
     // The arguments of the Ghostscript call for `resolution` dots per inch.
     static QStringList ghostscriptArguments(int resolution);
 
+    // Rasterises with a new interpreter for every refresh, as before the kept one (for comparing).
+    void setKeepInterpreter(bool keep) { m_keepInterpreter = keep; }
+
 private:
     QImage loadBlank(QString *path) const;
 
     AppContext &m_app;
     QString m_blankPicture;
+    mutable QString m_blankRead; // the path m_blankImage was read from
+    mutable QImage m_blankImage;
     bool m_manualOnly = false;
     bool m_missingToolTold = false; // the box for a missing engraver is shown once, then the strip
+    bool m_keepInterpreter = true;
+    std::unique_ptr<WarmGhostscript> m_ghostscript; // kept from one refresh to the next
 };
 
 } // namespace fenwork

@@ -475,6 +475,7 @@ private slots:
         QFETCH(bool, full);
         Window w;
         ScorePanel *score = w.window->scorePanel();
+        score->setFitWidth(false); // the zoom stays where it is put
         score->setZoom(120);
         if (full) {
             score->setFullPanel(true);

@@ -50,6 +50,12 @@ public:
         m_pendingDelta = 0;
         return *this;
     }
+    MidiBuilder &program(int number)
+    {
+        event(m_pendingDelta, { char(0xC0 | m_channel), char(number) });
+        m_pendingDelta = 0;
+        return *this;
+    }
     QByteArray bytes() const
     {
         QByteArray track = m_track;

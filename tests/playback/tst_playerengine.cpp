@@ -151,6 +151,48 @@ private slots:
 
     // A note that began before the transposition changed ends where it began: nothing is left
     // hanging once the tune is over.
+    // Samples read as instruments are chosen sound as the whole font loaded at once, from the
+    // first note of a cold start, program changes during the tune included.
+    void instrumentsLoadedOnDemand_data()
+    {
+        QTest::addColumn<QString>("font");
+        QTest::newRow("small font") << testSoundFont();
+        QTest::newRow("large font") << QStringLiteral("/usr/share/sounds/sf2/FluidR3_GM.sf2");
+    }
+
+    void instrumentsLoadedOnDemand()
+    {
+        QFETCH(QString, font);
+        if (!QFile::exists(font))
+            QSKIP("the large SoundFont (fluid-soundfont-gm) is not installed");
+        // As a prepared tune: every program in turn at the start, then the one that is heard.
+        MidiBuilder prepared(140, 0, 0);
+        for (int program = 1; program < 128; ++program)
+            prepared.program(program);
+        prepared.program(kFlute).note(kA4, 1).note(72, 1).controller(7, 90).note(76, 1);
+        const QString tune = write(QStringLiteral("prepared.mid"), prepared.bytes());
+        const QString flute = write(QStringLiteral("flute.mid"),
+            MidiBuilder(140, 0, kFlute).note(kA4, 1).note(72, 1).controller(7, 90).note(76, 1).bytes());
+        // Another channel switches instruments while the tune plays.
+        const auto heard = [&](const QString &file, bool whole) {
+            Rig rig;
+            rig.engine.setSoundFontSetting(font);
+            rig.engine.setWholeSoundFont(whole);
+            rig.engine.start();
+            rig.player.load(file);
+            rig.player.play();
+            rig.render(0.6);
+            fluid_synth_program_change(rig.engine.synth(), 1, 40);
+            fluid_synth_noteon(rig.engine.synth(), 1, 64, 100);
+            rig.render(1.5);
+            return rig.sound;
+        };
+        const Sound onDemand = heard(tune, false);
+        QVERIFY(onDemand.rms(0, 22050) > 300); // the first note sounds at once
+        QVERIFY(onDemand.samples == heard(tune, true).samples);
+        QVERIFY(onDemand.samples == heard(flute, true).samples);
+    }
+
     void transpositionKeepsNoteEnds()
     {
         Rig rig;

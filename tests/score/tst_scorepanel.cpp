@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QSlider>
 #include <QTest>
 #include <QToolBar>
 #include <QToolButton>
@@ -88,6 +89,41 @@ private slots:
         QTest::keyClicks(world.child<QLineEdit>("txt_page"), QStringLiteral("\b3"));
         world.child<QToolButton>("upd_pageDown")->click();
         QVERIFY(world.child<QLineEdit>("txt_page")->text().isEmpty());
+    }
+
+    // With the fit on, a page fills the panel's width without the horizontal bar, as the panel
+    // narrows or widens; a zoom chosen on the slider ends the fit.
+    void fitsWidth_data()
+    {
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("second");
+        QTest::newRow("widens") << 480 << 900;
+        QTest::newRow("narrows") << 900 << 520;
+    }
+
+    void fitsWidth()
+    {
+        SKIP_WITHOUT_SCORE_TOOLS();
+        QFETCH(int, first);
+        QFETCH(int, second);
+        PanelWorld world;
+        world.env.app().ini().setBool(keys::ZoomFit, true);
+        world.panel.loadSettings();
+        world.panel.resize(first, 500);
+        world.panel.show();
+        world.panel.showTune(world.tuneText());
+        const auto fits = [&world] {
+            const int page = world.panel.picture().width();
+            return world.barH()->maximum() == 0 && page > world.panel.width() * 3 / 4;
+        };
+        QTRY_VERIFY2(fits(), qPrintable(QString::number(world.panel.picture().width())));
+        const int zoom = world.panel.zoom();
+        world.panel.resize(second, 500);
+        QTRY_VERIFY(world.panel.zoom() != zoom && fits());
+
+        world.child<QSlider>("sl_Zoom")->triggerAction(QAbstractSlider::SliderPageStepAdd);
+        QVERIFY(!world.panel.fitsWidth());
+        QVERIFY(!world.env.app().ini().getBool(keys::ZoomFit));
     }
 
     void escapeKeepsThePicture()

@@ -195,6 +195,7 @@ private slots:
         const QString engraver = world.env.writeFile(QStringLiteral("abcm2ps"),
             "#!/bin/sh\nfor out; do :; done\nprintf '%%!PS\\n/x nosuchop\\n' > \"$out\"\n");
         QFile::setPermissions(engraver, QFile::permissions(engraver) | QFileDevice::ExeOwner);
+        const QString realEngraver = world.env.app().ini().get(keys::Tool2ps);
         world.env.app().ini().set(keys::Tool2ps, engraver);
         ScoreRefresher refresher(world.env.app());
         int page = 1;
@@ -207,6 +208,65 @@ private slots:
             QVERIFY2(box.contains(QStringLiteral("nosuchop")), qPrintable(box));
             QVERIFY(box.endsWith(CRLF + CRLF + QStringLiteral("Context: PartitionRefresh")));
         }
+
+        // The kept interpreter that failed does not spoil the next tune.
+        if (QStandardPaths::findExecutable(QStringLiteral("abcm2ps")).isEmpty())
+            return;
+        world.env.app().ini().set(keys::Tool2ps, realEngraver);
+        const ScoreOutcome next = refresher.PartitionRefresh(world.source(), kScoreTarget, 110, page, false);
+        QCOMPARE(int(next.picture), int(ScoreOutcome::Picture::Page));
+        QCOMPARE(next.attempts, 1);
+    }
+
+    // The kept interpreter draws every page as a new interpreter for each tune would, whatever
+    // the tunes before it defined; pages are numbered from 1 each time.
+    void keptInterpreterSamePages_data()
+    {
+        QTest::addColumn<QString>("file");
+        const QString corpus = corpusDir();
+        if (corpus.isEmpty())
+            QSKIP("the shared corpus is absent");
+        for (const char *name : { "nottingham/slip.abc", "abcm2ps/sample.abc" })
+            QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
+    }
+
+    void keptInterpreterSamePages()
+    {
+        QFETCH(QString, file);
+        if (!QFile::exists(file))
+            QSKIP("the shared corpus is not here");
+        SKIP_WITHOUT_SCORE_TOOLS();
+        ScoreWorld world;
+        const QString kFile = world.env.app().store().FichierOuvrir(file, false, true, true);
+        const Node *body = world.env.app().tree().find(kFile + key::BdyFile);
+        QVERIFY(body && body->childCount() > 0);
+        ScoreRefresher kept(world.env.app());
+        ScoreRefresher fresh(world.env.app());
+        fresh.setKeepInterpreter(false);
+        const auto pages = [&](ScoreRefresher &refresher, const ScoreSource &source, int resolution) {
+            int page = 1;
+            refresher.PartitionRefresh(source, kScoreTarget, resolution, page, false);
+            QList<QImage> images;
+            for (int n = 1; QFile::exists(world.cache(QStringLiteral("tmp%1.bmp").arg(n))); ++n)
+                images.append(QImage(world.cache(QStringLiteral("tmp%1.bmp").arg(n))));
+            return images;
+        };
+        int compared = 0;
+        for (const Node *tune : body->children()) {
+            ScoreSource source;
+            source.fileKey = kFile;
+            source.tuneKey = tune->Key;
+            source.editorText = world.env.app().store().GetStringTune(tune->Key, false);
+            // A change of zoom between tunes makes the interpreter anew.
+            const int resolution = compared % 3 == 2 ? 90 : 110;
+            const QList<QImage> warm = pages(kept, source, resolution);
+            const QList<QImage> cold = pages(fresh, source, resolution);
+            QCOMPARE(warm.size(), cold.size());
+            for (qsizetype i = 0; i < warm.size(); ++i)
+                QVERIFY2(warm.at(i) == cold.at(i), qPrintable(tune->Text + QStringLiteral(" page ") + QString::number(i + 1)));
+            compared += int(warm.size());
+        }
+        QVERIFY(compared > 0);
     }
 
     void corpusTunes_data()

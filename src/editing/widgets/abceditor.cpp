@@ -3,6 +3,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTextBlock>
+#include <QtMath>
 
 namespace fenwork {
 
@@ -39,7 +40,29 @@ AbcEditor::AbcEditor(QWidget *parent)
         else
             m_margin->update(0, rect.y(), m_margin->width(), rect.height());
     });
-    connect(this, &QPlainTextEdit::cursorPositionChanged, m_margin, qOverload<>(&QWidget::update));
+    // Only the old and the new caret line change colour: repainting the whole margin on every
+    // caret move made each keystroke slower.
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+        const int caret = textCursor().blockNumber();
+        if (caret == m_caretBlock)
+            return;
+        updateMarginLine(m_caretBlock);
+        updateMarginLine(caret);
+        m_caretBlock = caret;
+    });
+}
+
+void AbcEditor::updateMarginLine(int blockNumber)
+{
+    if (!m_margin->isVisible())
+        return;
+    const QTextBlock block = document()->findBlockByNumber(blockNumber);
+    if (!block.isValid() || !block.isVisible())
+        return;
+    const QRectF line = blockBoundingGeometry(block).translated(contentOffset());
+    if (line.bottom() < 0 || line.top() > m_margin->height())
+        return;
+    m_margin->update(0, qFloor(line.top()), m_margin->width(), qCeil(line.height()) + 1);
 }
 
 void AbcEditor::setLineNumbersVisible(bool visible)
@@ -80,7 +103,7 @@ void AbcEditor::paintMargin(QPaintEvent *event)
     QPainter painter(m_margin);
     painter.fillRect(event->rect(), palette().color(QPalette::Window));
     painter.setFont(font());
-    const int caretBlock = textCursor().blockNumber();
+    const int caretBlock = m_caretBlock = textCursor().blockNumber();
     QTextBlock block = firstVisibleBlock();
     int top = qRound(blockBoundingGeometry(block).translated(contentOffset()).top());
     const int lineHeight = fontMetrics().height();

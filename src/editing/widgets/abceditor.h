@@ -22,8 +22,10 @@ private:
     int marginWidth() const;
     void updateMargin();
     void paintMargin(QPaintEvent *event);
+    void updateMarginLine(int blockNumber);
 
     QWidget *m_margin;
+    int m_caretBlock = 0; // the line shown in red
 };
 
 } // namespace fenwork

@@ -428,20 +428,17 @@ void EditController::popupMenu(const QPoint &pos)
         QIcon::fromTheme(QStringLiteral("edit-paste")), text("<paste>"), this, &EditController::paste);
     pasteItem->setEnabled(editing && !QApplication::clipboard()->text().isEmpty());
     m_popup->addSeparator();
-    // Context help and the tune's tools come with the reference panel and the tools dialog.
+    // Context help comes with the reference panel.
     QAction *help = m_popup->addAction(QIcon::fromTheme(QStringLiteral("help-contextual")), text("<abcHlp>"));
     help->setObjectName(QStringLiteral("pop_ABC_item3"));
     help->setEnabled(false);
-    QAction *tools = m_popup->addAction(text("<tuneTools>"));
+    QAction *tools = m_popup->addAction(text("<tuneTools>"), this, &EditController::tuneToolsRequested);
     tools->setObjectName(QStringLiteral("pop_ABC_item4"));
-    tools->setEnabled(false);
+    tools->setEnabled(editing && isEditingTune());
     m_popup->addSeparator();
     m_popup->addAction(QIcon::fromTheme(QStringLiteral("edit-select-all")),
         QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText), editor,
         &QPlainTextEdit::selectAll);
-    m_popup->addSeparator();
-    QAction *tools = m_popup->addAction(text("<tuneTools>"), this, &EditController::tuneToolsRequested);
-    tools->setEnabled(editing && isEditingTune());
     m_popup->popup(editor->viewport()->mapToGlobal(pos));
 }
 

@@ -115,9 +115,10 @@ PlayerPanel::PlayerPanel(AppContext &app, SynthEngine *engine, QWidget *parent)
     m_gm->setCurrentIndex(qBound(0, app.ini().getInt(keys::DefaultGM), 127));
     growToContents();
 
-    // The SoundFont takes a moment to load: it is done now, beside the interface, so that the
-    // first Play sounds at once. A missing sound device is told at that Play.
-    m_engine->startInBackground();
+    // The synthesiser is made at the first Play (or drone, or keyboard note): with its samples
+    // read as instruments are chosen, that takes a tenth of a second even for a large font, and
+    // a run that never plays neither loads the font nor shares the start-up's two cores with
+    // it. A missing sound device is told at that Play.
 }
 
 PlayerPanel::~PlayerPanel()

@@ -55,7 +55,7 @@ class PlayerPanel : public QFrame
 {
     Q_OBJECT
 public:
-    // Without an engine the panel makes its own. The SoundFont is loaded in the background at once.
+    // Without an engine the panel makes its own, started at the first Play.
     explicit PlayerPanel(AppContext &app, SynthEngine *engine = nullptr, QWidget *parent = nullptr);
     ~PlayerPanel() override;
 

@@ -25,6 +25,10 @@ public:
     }
     void setPage(const QImage &image)
     {
+        // The blank page comes back on every click on a file or its header: it is converted once.
+        if (!m_pixmap.isNull() && image.cacheKey() == m_imageKey)
+            return;
+        m_imageKey = image.cacheKey();
         m_pixmap = QPixmap::fromImage(image);
         resize(m_pixmap.size());
         update();
@@ -40,6 +44,7 @@ protected:
 
 private:
     QPixmap m_pixmap;
+    qint64 m_imageKey = 0;
 };
 
 // The grey desk the page lies on, with the page's shadow.
@@ -135,6 +140,12 @@ void ScoreCanvas::updateRanges()
     m_v->setRange(0, qMax(0, page.height() - desk.height()));
     m_h->setPageStep(qMax(1, desk.width()));
     m_v->setPageStep(qMax(1, desk.height()));
+}
+
+int ScoreCanvas::roomForWidth() const
+{
+    const int desk = m_desk->width() > 0 ? m_desk->width() : width() - m_v->sizeHint().width();
+    return desk - 2 * kMargin;
 }
 
 void ScoreCanvas::placePicture()

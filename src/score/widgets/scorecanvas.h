@@ -25,6 +25,8 @@ public:
 
     // The picture widget, for tests and for focus handling.
     QWidget *imageWidget() const { return m_picture; }
+    // The width a picture may have without needing the horizontal bar.
+    int roomForWidth() const;
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

@@ -7,6 +7,7 @@
 #include "frame/settings.h"
 #include "frame/userdialogs.h"
 #include "score/scorerefresh.h"
+#include "score/scorezoom.h"
 #include "score/widgets/scorecanvas.h"
 #include "tablature/tablaturelist.h"
 
@@ -23,6 +24,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QSplitter>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -143,9 +145,17 @@ ScorePanel::ScorePanel(AppContext &app, QWidget *parent)
     connect(m_zoom, &QSlider::sliderMoved, zoomValue, qOverload<int>(&QLabel::setNum));
     connect(m_zoom, &QSlider::valueChanged, zoomValue, qOverload<int>(&QLabel::setNum));
 
+    m_fitButton = toolButton("bt_zoomFit", QStringLiteral("zoom-fit-width"));
+    m_fitButton->setCheckable(true);
+    m_fitTimer = new QTimer(this);
+    m_fitTimer->setSingleShot(true);
+    m_fitTimer->setInterval(150);
+    connect(m_fitTimer, &QTimer::timeout, this, &ScorePanel::fitToWidth);
+
     strip->addWidget(zoomIcon);
     strip->addWidget(m_zoom);
     strip->addWidget(zoomValue);
+    strip->addWidget(m_fitButton);
     strip->addSpacing(8);
     strip->addWidget(m_page);
     strip->addWidget(updown);
@@ -160,6 +170,7 @@ ScorePanel::ScorePanel(AppContext &app, QWidget *parent)
 
     m_canvas = new ScoreCanvas;
     m_canvas->imageWidget()->installEventFilter(this);
+    m_canvas->installEventFilter(this);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -170,6 +181,13 @@ ScorePanel::ScorePanel(AppContext &app, QWidget *parent)
     connect(m_zoom, &QSlider::valueChanged, this, [this] {
         refresh({});
         setFocus();
+    });
+    // A zoom chosen by hand ends the fitting.
+    connect(m_zoom, &QSlider::actionTriggered, this, [this] { setFitWidth(false); });
+    connect(m_fitButton, &QToolButton::toggled, this, [this](bool fit) {
+        m_app.ini().setBool(keys::ZoomFit, fit);
+        if (fit)
+            fitToWidth();
     });
     connect(m_pageUp, &QToolButton::clicked, this, [this] { stepPage(1); });
     connect(m_pageDown, &QToolButton::clicked, this, [this] { stepPage(-1); });
@@ -203,6 +221,7 @@ void ScorePanel::loadLang()
     m_tabsOn->setToolTip(lang.text(kTTText, QStringLiteral("<viewTabs>")));
     m_tabs->setToolTip(m_tabsOn->toolTip());
     m_zoom->setToolTip(lang.text(kTTText, QStringLiteral("<zoom>")));
+    m_fitButton->setToolTip(lang.text(kTTText, QStringLiteral("<zoomFit>")));
     m_fullButton->setToolTip(lang.text(kTTText, QStringLiteral("<fullScreen>")));
 }
 
@@ -218,6 +237,10 @@ void ScorePanel::loadSettings()
         m_zoom->setValue(qBound(kZoomMin, ini.getInt(keys::Zoom), kZoomMax));
     }
     m_zoomValue->setNum(m_zoom->value());
+    {
+        const QSignalBlocker block(m_fitButton);
+        m_fitButton->setChecked(ini.getBool(keys::ZoomFit));
+    }
     reloadTablatures();
     const int row = ini.getInt(keys::TablaturesIndex);
     if (row > 0 && row < m_tabs->count())
@@ -371,6 +394,10 @@ void ScorePanel::apply(const ScoreOutcome &outcome, int page)
         break;
     case ScoreOutcome::Picture::Page:
         m_canvas->setImage(outcome.image);
+        // Now the page's own width is known, the fitted zoom may change once.
+        m_pageInches = double(outcome.image.width()) / qMax(1, m_zoom->value());
+        if (fitsWidth())
+            m_fitTimer->start();
         break;
     case ScoreOutcome::Picture::Blank:
         m_canvas->setImage(outcome.image.isNull() ? drawnBlankPage(m_zoom->value()) : outcome.image);
@@ -395,9 +422,7 @@ void ScorePanel::apply(const ScoreOutcome &outcome, int page)
 
 void ScorePanel::showBlankPicture()
 {
-    QImage blank;
-    if (!m_refresher->blankPicture().isEmpty())
-        blank.load(m_refresher->blankPicture());
+    const QImage blank = m_refresher->blankImage();
     m_canvas->setImage(blank.isNull() ? drawnBlankPage(m_zoom->value()) : blank);
 }
 
@@ -496,7 +521,28 @@ bool ScorePanel::eventFilter(QObject *watched, QEvent *event)
         setFocus(Qt::MouseFocusReason);
     if (m_full && event->type() == QEvent::Resize && watched == parentWidget())
         placeFull();
+    if (event->type() == QEvent::Resize && watched == m_canvas && fitsWidth())
+        m_fitTimer->start();
     return QWidget::eventFilter(watched, event);
+}
+
+bool ScorePanel::fitsWidth() const
+{
+    return m_fitButton->isChecked();
+}
+
+void ScorePanel::setFitWidth(bool fit)
+{
+    m_fitButton->setChecked(fit);
+}
+
+void ScorePanel::fitToWidth()
+{
+    if (!fitsWidth() || !m_canvas->isVisible())
+        return;
+    const int zoom = fitWidthZoom(m_canvas->roomForWidth(), m_pageInches, kZoomMin, kZoomMax);
+    if (zoom != m_zoom->value())
+        m_zoom->setValue(zoom);
 }
 
 void ScorePanel::placeFull()

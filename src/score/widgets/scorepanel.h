@@ -12,6 +12,7 @@ class QComboBox;
 class QLineEdit;
 class QSlider;
 class QSplitter;
+class QTimer;
 class QToolButton;
 
 namespace fenwork {
@@ -71,6 +72,9 @@ public:
     bool isFullPanel() const { return m_full; }
     // In the full panel: the sizes of the splitter it came from, as they were before.
     QList<int> homeSizes() const { return m_homeSizes; }
+    // The zoom follows the panel's width: a page fits it without the horizontal bar.
+    bool fitsWidth() const;
+    void setFitWidth(bool fit);
     ScoreRefresher &refresher() { return *m_refresher; }
     // Refreshes run so far (the engraver may run twice in one).
     int refreshCount() const { return m_refreshCount; }
@@ -108,6 +112,7 @@ private:
     void stepPage(int delta);
     void chooseTablature();
     void placeFull();
+    void fitToWidth();
 
     AppContext &m_app;
     std::unique_ptr<ScoreRefresher> m_refresher;
@@ -122,6 +127,9 @@ private:
     QCheckBox *m_tabsOn;
     QComboBox *m_tabs;
     QToolButton *m_fullButton;
+    QToolButton *m_fitButton; // bt_zoomFit
+    QTimer *m_fitTimer; // a splitter dragged redraws once, when it rests
+    double m_pageInches = 0; // the width of the last page drawn
     ScoreCanvas *m_canvas;
 
     QString m_lastText;
