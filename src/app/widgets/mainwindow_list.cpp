@@ -80,8 +80,6 @@ void MainWindow::connectListCommands()
     on("mnu_lstToSet", [&app, &list] { mnu_lstToSet(app, list); });
     on("mnu_lstToAbc", [&app, &list] { mnu_lstToAbc(app, list); });
     on("mnu_doNew2", [&app] { createNewSet(app); });
-    // Exporting the list belongs to the publishing commands, which come with their own work.
-    app.commands().setEnabled(QStringLiteral("mnu_lstExport"), false);
 
     for (const auto &[button, item] : kListButtons) {
         QAction *tool = panel->toolAction(QString::fromLatin1(button));
