@@ -20,27 +20,6 @@ namespace {
 
 enum { Ok = 0, Failed = 1, Usage = 2 };
 
-// Messages go to the command's error stream; a failure ends the command, not the process.
-class FindDialogs : public CliDialogs
-{
-public:
-    explicit FindDialogs(QTextStream &err) : m_err(err) { }
-
-    void message(const QString &text, Icon, const QString &) override
-    {
-        QString plain = text;
-        plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-        m_err << plain << '\n';
-        m_err.flush();
-    }
-    // The store asks for the end of the program only after a failure it also reports by an
-    // empty result: that result ends the command.
-    void terminate(int) override { }
-
-private:
-    QTextStream &m_err;
-};
-
 int usage(QTextStream &err, const QString &text)
 {
     err << "fenwork-cli find: " << text << "\n" << findCommandHelp();
@@ -118,7 +97,7 @@ int runFindCommand(const QStringList &arguments, QTextStream &out, QTextStream &
         err.flush();
         return Failed;
     }
-    FindDialogs dialogs(err);
+    StreamDialogs dialogs(err);
     AppContext app(paths, &dialogs);
     if (app.lang().name().isEmpty())
         app.lang().setName(QStringLiteral("English"));

@@ -27,24 +27,6 @@ namespace {
 
 enum { Ok = 0, Failed = 1, Usage = 2 };
 
-// Messages of the core go to the command's error stream; a failure ends the command only.
-class RenderDialogs : public CliDialogs
-{
-public:
-    explicit RenderDialogs(QTextStream &err)
-        : m_err(err)
-    { }
-    void message(const QString &text, Icon, const QString &) override
-    {
-        m_err << replaceAll(text, u"\r\n", u"\n") << '\n';
-        m_err.flush();
-    }
-    void terminate(int) override { }
-
-private:
-    QTextStream &m_err;
-};
-
 int usage(QTextStream &err, const QString &text)
 {
     err << "fenwork-cli render: " << text << "\n" << renderCommandHelp();
@@ -130,7 +112,7 @@ int runRenderCommand(const QStringList &arguments, QTextStream &out, QTextStream
     const Paths paths = Paths::fromEnvironment();
     if (!QDir().mkpath(paths.cacheFolder()))
         return fail(err, QStringLiteral("cannot make the user folder ") + paths.userRoot());
-    RenderDialogs dialogs(err);
+    StreamDialogs dialogs(err);
     AppContext app(paths, &dialogs);
     if (app.lang().name().isEmpty())
         app.lang().setName(QStringLiteral("English"));

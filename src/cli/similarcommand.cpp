@@ -22,24 +22,6 @@ namespace {
 
 enum { Ok = 0, Failed = 1, Usage = 2 };
 
-// Messages go to the command's error stream; a failure ends the command, not the process.
-class SimilarDialogs : public CliDialogs
-{
-public:
-    explicit SimilarDialogs(QTextStream &err)
-        : m_err(err)
-    { }
-    void message(const QString &text, Icon, const QString &) override
-    {
-        m_err << QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")) << '\n';
-        m_err.flush();
-    }
-    void terminate(int) override { }
-
-private:
-    QTextStream &m_err;
-};
-
 int usage(QTextStream &err, const QString &text)
 {
     err << "fenwork-cli similar: " << text << "\n" << similarCommandHelp();
@@ -126,7 +108,7 @@ int runSimilarCommand(const QStringList &arguments, QTextStream &out, QTextStrea
         err.flush();
         return Failed;
     }
-    SimilarDialogs dialogs(err);
+    StreamDialogs dialogs(err);
     AppContext app(paths, &dialogs);
     if (app.lang().name().isEmpty())
         app.lang().setName(QStringLiteral("English"));

@@ -1,5 +1,7 @@
 #include "frame/clidialogs.h"
 
+#include <QTextStream>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -81,6 +83,12 @@ void CliDialogs::terminate(int exitCode)
     std::fflush(stdout);
     std::fflush(stderr);
     std::exit(exitCode);
+}
+
+void StreamDialogs::message(const QString &text, Icon, const QString &)
+{
+    m_err << QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")) << '\n';
+    m_err.flush();
 }
 
 } // namespace fenwork

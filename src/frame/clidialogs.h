@@ -1,6 +1,8 @@
 #pragma once
 #include "frame/userdialogs.h"
 
+class QTextStream;
+
 namespace fenwork {
 
 // The dialogs seam for the batch companion: nobody is there to answer, so messages go to
@@ -34,6 +36,21 @@ public:
 
 private:
     int m_progressValue = 0;
+};
+
+// For a command with an error stream of its own that judges failures by its results: messages go
+// to that stream as they stand (lines ended by LF), and a failure reported on the way ends nothing.
+class StreamDialogs : public CliDialogs
+{
+public:
+    explicit StreamDialogs(QTextStream &err)
+        : m_err(err)
+    { }
+    void message(const QString &text, Icon icon = Icon::Warning, const QString &title = {}) override;
+    void terminate(int) override { }
+
+private:
+    QTextStream &m_err;
 };
 
 } // namespace fenwork
