@@ -37,16 +37,18 @@ QString msg(AppContext &app, const char *key)
     return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
 }
 
-// Opens IN as the open command does; the backup copy is made, per the settings, only when the
-// command is to write a result.
-QString openIn(AppContext &app, const QString &argument, bool backup)
+// Opens IN as the open command does. The backup copy is made, per the settings, only when the
+// result is to be written over IN itself: a result written elsewhere leaves IN's folder as it was.
+QString openIn(AppContext &app, const QString &argument, const QString &out = {})
 {
     const QFileInfo info(argument);
     if (!info.isFile()) {
         failed(QStringLiteral("cannot read ") + argument);
         return {};
     }
-    app.store().backupOnOpen = backup;
+    const QFileInfo target(out);
+    app.store().backupOnOpen = !out.isEmpty() && target.exists()
+        && target.canonicalFilePath() == info.canonicalFilePath();
     return app.store().FichierOuvrir(info.absoluteFilePath(), false, true, !info.isWritable());
 }
 
@@ -78,7 +80,7 @@ int clean(AppContext &app, const QStringList &args)
             return usage(QStringLiteral("clean: unknown option '") + name + u'\'');
         options |= 1u << option;
     }
-    QString kFile = openIn(app, args.at(0), true);
+    QString kFile = openIn(app, args.at(0), args.at(1));
     if (kFile.isEmpty())
         return cli::Failed;
     ToolsBackup backup;
@@ -115,7 +117,7 @@ int field(AppContext &app, const QStringList &args)
     if (plain.size() != 2 || action < 0)
         return usage(
             QStringLiteral("field takes IN, OUT and one of --add, --first, --last, --all with a line"));
-    QString kFile = openIn(app, plain.at(0), true);
+    QString kFile = openIn(app, plain.at(0), plain.at(1));
     if (kFile.isEmpty())
         return cli::Failed;
     ToolsBackup backup;
@@ -139,7 +141,7 @@ int reindex(AppContext &app, const QStringList &args)
     int start = 0;
     if (args.size() != 3 || !number(args.at(2), &start) || start == 0)
         return usage(QStringLiteral("reindex takes IN, OUT and a first number other than 0"));
-    const QString kFile = openIn(app, args.at(0), true);
+    const QString kFile = openIn(app, args.at(0), args.at(1));
     if (kFile.isEmpty())
         return cli::Failed;
     ToolsBackup backup;
@@ -164,7 +166,7 @@ int sort(AppContext &app, const QStringList &args)
     const QString code2 = args.size() > 3 ? args.at(3).toUpper() : QString();
     if (!isSortCode(code1) || (!code2.isEmpty() && !isSortCode(code2)))
         return usage(QStringLiteral("sort keys are field codes: X: T: A: B: C: D: G: K: M: O: Q: R: S: Z:"));
-    QString kFile = openIn(app, args.at(0), true);
+    QString kFile = openIn(app, args.at(0), args.at(1));
     if (kFile.isEmpty())
         return cli::Failed;
     ToolsBackup backup;
@@ -177,7 +179,7 @@ int analyse(AppContext &app, const QStringList &args)
 {
     if (args.size() != 1)
         return usage(QStringLiteral("analyse takes one file"));
-    const QString kFile = openIn(app, args.at(0), false);
+    const QString kFile = openIn(app, args.at(0));
     if (kFile.isEmpty())
         return cli::Failed;
     if (tuneCount(app, kFile) == 0)

@@ -63,6 +63,8 @@ private slots:
             QVERIFY2((run.out + run.err).contains(inOut), run.err.constData());
         if (exitCode != 0)
             QVERIFY(!QFileInfo::exists(out));
+        // IN is only read when the result goes elsewhere: its folder is left as it was.
+        QVERIFY(!QFileInfo::exists(in + QStringLiteral(".BAK")));
     }
 };
 
