@@ -1,8 +1,10 @@
-// fenwork-cli list2abc and set, as a user runs them: output, messages and exit codes.
+// fenwork-cli list2abc and set, as a user runs them: output, messages and exit codes, and every
+// corpus file through the list's ABC file.
 #include "cliprocess.h"
 #include "testenv.h"
 #include "testmain.h"
 
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QTest>
 
@@ -14,6 +16,19 @@ using Cli = test::CliProcess;
 
 const QByteArray kTunes
     = "X:7\nT:Seven\nK:D\n|:abc:|\n\nX:3\nT:Three\nK:G\n|:def:|\n\nX:3\nT:Other three\nK:A\nfed|\n";
+
+// A file's tunes without their X: lines, blank lines and what stands before the first tune.
+QStringList tuneLines(const QByteArray &text)
+{
+    QStringList lines;
+    bool inTunes = false;
+    for (const QString &line : QString::fromUtf8(text).split(QStringLiteral("\r\n"))) {
+        inTunes = inTunes || line.startsWith(u"X:");
+        if (inTunes && !line.isEmpty() && !line.startsWith(u"X:"))
+            lines.append(line);
+    }
+    return lines;
+}
 
 } // namespace
 
@@ -78,6 +93,34 @@ private slots:
             const QString saved = test::readAll(cli.path(QStringLiteral("out.abc")));
             QVERIFY2(saved.contains(QStringLiteral("P:(A)2(B)1\r\n")), qPrintable(saved));
         }
+    }
+
+    // Every tune of every corpus file comes out of the list's file as a save writes it. The files
+    // are read from copies: normalize leaves a backup copy beside what it opens.
+    void corpusThroughTheList()
+    {
+        const QString corpus = test::corpusDir();
+        if (corpus.isEmpty())
+            QSKIP("the corpus folder ../shared/corpus is absent");
+        Cli cli;
+        int files = 0;
+        QDirIterator it(corpus, { QStringLiteral("*.abc") }, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = cli.write(QStringLiteral("corpus.abc"), test::readBytes(it.next()));
+            const test::CliRun normal = cli.run({ QStringLiteral("normalize"), path });
+            QCOMPARE(normal.exitCode, 0);
+            const int count = int(QString::fromUtf8(normal.out).count(QStringLiteral("\r\nX:")));
+            if (count == 0)
+                continue;
+            QStringList arguments { QStringLiteral("list2abc"), QStringLiteral("-") };
+            for (int n = 1; n <= count; ++n)
+                arguments.append(path + QStringLiteral("#%1").arg(n));
+            const test::CliRun listed = cli.run(arguments);
+            QVERIFY2(listed.exitCode == 0, qPrintable(it.filePath()));
+            QVERIFY2(tuneLines(listed.out) == tuneLines(normal.out), qPrintable(it.filePath()));
+            ++files;
+        }
+        QVERIFY(files > 0);
     }
 };
 

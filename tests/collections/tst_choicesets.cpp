@@ -1,4 +1,5 @@
-// What the working list makes: sets in a file, and the list kept between runs.
+// What the working list makes: sets in a file (whole files as golden pairs), and the list kept
+// between runs.
 #include "testenv.h"
 #include "testmain.h"
 
@@ -102,6 +103,31 @@ private slots:
         QVERIFY2(
             lines.at(2).startsWith(u"P:(A)1") && lines.at(2).endsWith(orderEnd), qPrintable(lines.at(2)));
         QVERIFY(app.tree().find(kNew)->Text.endsWith(QStringLiteral("] ") + title));
+    }
+
+    // The whole file after a set of its two tunes, the second played twice, in both forms.
+    void compactSet_data()
+    {
+        QTest::addColumn<QString>("compact");
+        QTest::newRow("compact") << "1";
+        QTest::newRow("full headers") << "0";
+    }
+    void compactSet()
+    {
+        QFETCH(QString, compact);
+        const QString folder = testDataDir() + QStringLiteral("/collections/data/set_compact") + compact;
+        Workspace w(readBytes(folder + QStringLiteral("/input.abc")));
+        w.env.app().ini().set(keys::CompactSet, compact);
+        const QStringList keys = w.tuneKeys(w.kFile);
+        for (int i = 0; i < 2; ++i)
+            w.list.add(keys.at(i), w.env.app().tree().find(keys.at(i))->Text);
+        w.list.setRepetitions(1, 2);
+        QVERIFY(!fenwork::makeSet(w.env.app(), w.kFile, w.list.items()).isEmpty());
+        const QString out = w.env.path(QStringLiteral("out.abc"));
+        QVERIFY(w.env.app().store().FichierSaveFromKey(w.kFile, out, QString()));
+        QString actual = readAll(out);
+        actual.replace(w.env.app().creatorLine, QStringLiteral("%%abc-creator"));
+        QCOMPARE(actual, readAll(folder + QStringLiteral("/expected.abc")));
     }
 
     // The list's file: its tunes numbered from 1 in list order, escaped when asked, after the

@@ -10,6 +10,7 @@
 #include "frame/strutil.h"
 #include "playback/midiout.h"
 #include "playback/midiplayer.h"
+#include "playback/playsequence.h"
 #include "playback/synthengine.h"
 #include "playback/wavfile.h"
 #include "playback/widgets/mixerpanel.h"
@@ -314,6 +315,44 @@ private slots:
         QCOMPARE(rig.shown.mid(0, order.size()), order);
         QVERIFY(!rig.get<QToolButton>("chk_Loop")->isChecked());
         QVERIFY(rig.stoppedState());
+    }
+
+    // The list plays an item its number of times, then the next after the pause; Stop in the
+    // middle ends the run. Two seconds of the first tune, one of the second.
+    void choiceList_data()
+    {
+        QTest::addColumn<bool>("stopAtSecond");
+        QTest::addColumn<double>("fewest");
+        QTest::addColumn<double>("most");
+        const double whole = 2 * 2.0 + PlaySequence::kPauseMs / 1000.0 + 1.0;
+        QTest::newRow("twice, then once") << false << whole - 1.0 << whole + 1.0;
+        // However late a busy machine lets the Stop act, the second tune is not heard whole.
+        QTest::newRow("stopped at the second") << true << 2 * 2.0 - 1.0 << whole - 0.5;
+    }
+    void choiceList()
+    {
+        QFETCH(bool, stopAtSecond);
+        QFETCH(double, fewest);
+        QFETCH(double, most);
+        const char *fields = "M:4/4\r\nL:1/4\r\nQ:1/4=240\r\n";
+        Rig rig(tune(1, "First", "C D E F|G A B c|]", fields) + "\r\n" + tune(2, "Second", "c B A G|]", fields));
+        rig.open();
+        rig.choiceList.add(rig.tunes.at(0), QStringLiteral("First"));
+        rig.choiceList.setRepetitions(0, 2);
+        rig.choiceList.add(rig.tunes.at(1), QStringLiteral("Second"));
+        rig.shown.clear();
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            if (stopAtSecond && rig.shown.size() >= 2)
+                rig.panel->pressStop();
+        });
+        watch.start(20);
+        rig.panel->bt_playLst_Click();
+        QVERIFY(rig.waitStopped());
+        QCOMPARE(rig.shown.mid(0, 2), QList<int>({ 0, 1 }));
+        const Sound sound = rig.finish();
+        const double length = sound.soundEnd() - sound.soundStart();
+        QVERIFY2(length > fewest && length < most, qPrintable(QString::number(length)));
     }
 };
 
