@@ -1,5 +1,7 @@
 #include "editing/widgets/abchighlighter.h"
 
+#include "frame/widgets/colours.h"
+
 #include "editing/abccolour.h"
 
 #include <QTextCharFormat>
@@ -18,11 +20,6 @@ QTextCharFormat formatOf(int colour, bool bold, bool italic)
 }
 
 } // namespace
-
-QColor bgrColour(int bgr)
-{
-    return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
-}
 
 AbcHighlighter::AbcHighlighter(QTextDocument *document)
     : QSyntaxHighlighter(document)

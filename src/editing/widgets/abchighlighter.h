@@ -23,7 +23,5 @@ private:
     bool m_on = true;
 };
 
-// A 0xBBGGRR colour as the toolkit takes it.
-QColor bgrColour(int bgr);
 
 } // namespace fenwork

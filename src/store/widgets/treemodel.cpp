@@ -1,14 +1,12 @@
 #include "store/widgets/treemodel.h"
 
+#include "frame/widgets/colours.h"
+
 #include <QColor>
 #include <QFont>
 
 namespace fenwork {
 
-QColor colorFromBgr(int bgr)
-{
-    return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
-}
 
 TreeModel::TreeModel(WorkspaceTree &tree, QObject *parent) : QAbstractItemModel(parent), m_tree(tree)
 {
@@ -83,9 +81,9 @@ QVariant TreeModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         return m_icons ? QVariant(m_icons(node->Image)) : QVariant();
     case Qt::ForegroundRole:
-        return node->ForeColor == kDefaultColor ? QVariant() : QVariant(colorFromBgr(node->ForeColor));
+        return node->ForeColor == kDefaultColor ? QVariant() : QVariant(bgrColour(node->ForeColor));
     case Qt::BackgroundRole:
-        return node->BackColor == kDefaultColor ? QVariant() : QVariant(colorFromBgr(node->BackColor));
+        return node->BackColor == kDefaultColor ? QVariant() : QVariant(bgrColour(node->BackColor));
     case Qt::FontRole:
         if (node->Bold) {
             QFont font;

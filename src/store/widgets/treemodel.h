@@ -44,7 +44,5 @@ private:
     IconProvider m_icons;
 };
 
-// 0xBBGGRR to a QColor.
-QColor colorFromBgr(int bgr);
 
 } // namespace fenwork
