@@ -1,7 +1,6 @@
 #include "cli/findcommand.h"
 
-#include "frame/clidialogs.h"
-
+#include "cli/readingcontext.h"
 #include "finding/tunefilter.h"
 #include "frame/appcontext.h"
 #include "frame/language.h"
@@ -91,20 +90,10 @@ int runFindCommand(const QStringList &arguments, QTextStream &out, QTextStream &
     if (file.isEmpty())
         return usage(err, QStringLiteral("FILE is missing"));
 
-    const Paths paths = Paths::fromEnvironment();
-    if (!QDir().mkpath(paths.cacheFolder())) {
-        err << "fenwork-cli find: cannot make the user folder " << paths.userRoot() << "\n";
-        err.flush();
+    ReadingContext context("find", err);
+    if (!context.ok())
         return Failed;
-    }
-    StreamDialogs dialogs(err);
-    AppContext app(paths, &dialogs);
-    if (app.lang().name().isEmpty())
-        app.lang().setName(QStringLiteral("English"));
-    app.buildStartupTexts();
-    createWorkspaceRoot(app);
-    // Reading only: no backup copy is made.
-    app.store().backupOnOpen = false;
+    AppContext &app = context.app();
 
     const QString path = QFileInfo(file).absoluteFilePath();
     const QString kFile = app.store().FichierOuvrir(path, false, true, true);

@@ -1,7 +1,7 @@
 #include "cli/rendercommand.h"
 
+#include "cli/readingcontext.h"
 #include "frame/appcontext.h"
-#include "frame/clidialogs.h"
 #include "frame/inifile.h"
 #include "frame/language.h"
 #include "frame/paths.h"
@@ -109,17 +109,10 @@ int runRenderCommand(const QStringList &arguments, QTextStream &out, QTextStream
     if (positional.size() != 3)
         return usage(err, QStringLiteral("FILE, X and OUT.wav are needed, and nothing else"));
 
-    const Paths paths = Paths::fromEnvironment();
-    if (!QDir().mkpath(paths.cacheFolder()))
-        return fail(err, QStringLiteral("cannot make the user folder ") + paths.userRoot());
-    StreamDialogs dialogs(err);
-    AppContext app(paths, &dialogs);
-    if (app.lang().name().isEmpty())
-        app.lang().setName(QStringLiteral("English"));
-    app.buildStartupTexts();
-    createWorkspaceRoot(app);
-    // Reading only: no backup copy is made.
-    app.store().backupOnOpen = false;
+    ReadingContext context("render", err);
+    if (!context.ok())
+        return Failed;
+    AppContext &app = context.app();
     if (program < 0)
         program = qBound(0, app.ini().getInt(keys::DefaultGM), 127);
 
@@ -158,7 +151,7 @@ int runRenderCommand(const QStringList &arguments, QTextStream &out, QTextStream
         if (answer.isEmpty())
             break;
     }
-    const QDir cache(paths.cacheFolder());
+    const QDir cache(app.paths().cacheFolder());
     const QString midi = cache.filePath(QStringLiteral("tmp.mid"));
     if (!answer.isEmpty())
         return fail(err, answer + CRLF + app.text(QStringLiteral("Msg"), QStringLiteral("<playError>")));

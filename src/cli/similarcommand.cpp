@@ -1,9 +1,9 @@
 #include "cli/similarcommand.h"
 
+#include "cli/readingcontext.h"
 #include "finding/melodyreader.h"
 #include "finding/melodysimilar.h"
 #include "frame/appcontext.h"
-#include "frame/clidialogs.h"
 #include "frame/language.h"
 #include "frame/paths.h"
 #include "frame/textfile.h"
@@ -102,19 +102,10 @@ int runSimilarCommand(const QStringList &arguments, QTextStream &out, QTextStrea
                               : QStringLiteral("--queries takes the place of FRAGMENT"));
     query.fragment = positional.value(1);
 
-    const Paths paths = Paths::fromEnvironment();
-    if (!QDir().mkpath(paths.cacheFolder())) {
-        err << "fenwork-cli similar: cannot make the user folder " << paths.userRoot() << "\n";
-        err.flush();
+    ReadingContext context("similar", err);
+    if (!context.ok())
         return Failed;
-    }
-    StreamDialogs dialogs(err);
-    AppContext app(paths, &dialogs);
-    if (app.lang().name().isEmpty())
-        app.lang().setName(QStringLiteral("English"));
-    app.buildStartupTexts();
-    createWorkspaceRoot(app);
-    app.store().backupOnOpen = false;
+    AppContext &app = context.app();
 
     QStringList queryLines;
     if (!queries.isEmpty()) {

@@ -4,6 +4,7 @@
 #include "testmain.h"
 
 #include "cli/findcommand.cpp"
+#include "cli/readingcontext.cpp" // once in this executable: the similar command's test uses it too
 
 #include <QTest>
 #include <QTextStream>
