@@ -48,6 +48,11 @@ QString AppContext::text(const QString &section, const QString &key) const
     return m_lang->text(section, key);
 }
 
+QString AppContext::msg(const char *key) const
+{
+    return m_lang->text(QStringLiteral("Msg"), QLatin1String(key));
+}
+
 void AppContext::buildStartupTexts()
 {
     newTuneText = QStringLiteral("X:0") + CRLF + QStringLiteral("T:(")

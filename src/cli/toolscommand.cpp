@@ -32,11 +32,6 @@ int failed(const QString &text)
     return cli::Failed;
 }
 
-QString msg(AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
 // Opens IN as the open command does. The backup copy is made, per the settings, only when the
 // result is to be written over IN itself: a result written elsewhere leaves IN's folder as it was.
 QString openIn(AppContext &app, const QString &argument, const QString &out = {})
@@ -85,7 +80,7 @@ int clean(AppContext &app, const QStringList &args)
         return cli::Failed;
     ToolsBackup backup;
     if (!cleanFile(app, kFile, options, backup))
-        writeErr(msg(app, "<noCleanedFile>") + u'\n');
+        writeErr(app.msg("<noCleanedFile>") + u'\n');
     return save(app, kFile, args.at(1));
 }
 
@@ -125,13 +120,13 @@ int field(AppContext &app, const QStringList &args)
     case FieldResult::Done:
         return save(app, kFile, plain.at(1));
     case FieldResult::Invalid:
-        return failed(msg(app, "<chpInval>"));
+        return failed(app.msg("<chpInval>"));
     case FieldResult::CommentStop:
-        return failed(msg(app, "<chpCmtAddOnly>"));
+        return failed(app.msg("<chpCmtAddOnly>"));
     case FieldResult::NoTunes:
-        return failed(msg(app, "<noTunesInFile>"));
+        return failed(app.msg("<noTunesInFile>"));
     case FieldResult::NoFromTune:
-        return failed(msg(app, "<noFromTune>"));
+        return failed(app.msg("<noFromTune>"));
     }
     return cli::Failed;
 }
@@ -146,7 +141,7 @@ int reindex(AppContext &app, const QStringList &args)
         return cli::Failed;
     ToolsBackup backup;
     if (!reindexFile(app, kFile, start, backup))
-        return failed(msg(app, "<noTunesInFile>"));
+        return failed(app.msg("<noTunesInFile>"));
     return save(app, kFile, args.at(1));
 }
 
@@ -171,7 +166,7 @@ int sort(AppContext &app, const QStringList &args)
         return cli::Failed;
     ToolsBackup backup;
     if (!sortFile(app, kFile, code1, code2, backup))
-        return failed(msg(app, "<noTunesInFile>"));
+        return failed(app.msg("<noTunesInFile>"));
     return save(app, kFile, args.at(1));
 }
 
@@ -183,7 +178,7 @@ int analyse(AppContext &app, const QStringList &args)
     if (kFile.isEmpty())
         return cli::Failed;
     if (tuneCount(app, kFile) == 0)
-        return failed(msg(app, "<noTunesInFile>"));
+        return failed(app.msg("<noTunesInFile>"));
     FileAnalysis analysis(app);
     const FileAnalysis::Result result = analysis.run(kFile);
     if (!result.error.isEmpty())

@@ -19,15 +19,6 @@
 
 namespace fenwork {
 
-namespace {
-
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
-} // namespace
-
 QVector<ListedTune> listedTunes(const TuneStore &store, const WorkspaceTree &tree, const ChoiceList &list)
 {
     QVector<ListedTune> tunes;
@@ -69,9 +60,9 @@ QString mnu_lstToAbc(AppContext &app, const ChoiceList &list)
     const QString start
         = uniqueName(QStringLiteral("NewAbcFile"), QStringLiteral("abc"), folder) + QStringLiteral(".abc");
     const QString chosen
-        = ui.saveFileName(msg(app, "<saveABCas>"), folder.isEmpty() ? start : QDir(folder).filePath(start),
-            { msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
-                msg(app, "<textFile>") + QStringLiteral(" (*.txt)") });
+        = ui.saveFileName(app.msg("<saveABCas>"), folder.isEmpty() ? start : QDir(folder).filePath(start),
+            { app.msg("<ABCfile>") + QStringLiteral(" (*.abc)"),
+                app.msg("<textFile>") + QStringLiteral(" (*.txt)") });
     if (chosen.isEmpty())
         return {};
     const QString path = QFileInfo(chosen).absoluteFilePath();
@@ -82,7 +73,7 @@ QString mnu_lstToAbc(AppContext &app, const ChoiceList &list)
         ui.contextError(QStringLiteral("mnu_lstToAbc"), why);
         return {};
     }
-    if (ui.question(msg(app, "<askOpen>")) == UserDialogs::Answer::Yes) {
+    if (ui.question(app.msg("<askOpen>")) == UserDialogs::Answer::Yes) {
         const QString kFile = app.store().FichierOuvrir(path, false, false, false);
         if (Node *file = kFile.isEmpty() ? nullptr : app.tree().find(kFile)) {
             file->Expanded = true;

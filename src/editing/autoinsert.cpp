@@ -12,11 +12,6 @@ namespace fenwork {
 
 namespace {
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
 bool isWordEnd(QChar c)
 {
     return QStringLiteral("\r\n |,;:.?![({").contains(c);
@@ -127,25 +122,25 @@ bool def_Insertion(AppContext &app, const QString &selection)
 {
     UserDialogs &ui = app.ui();
     if (selection.isEmpty()) {
-        ui.message(msg(app, "<selBeforeNewInser>"), UserDialogs::Icon::Information);
+        ui.message(app.msg("<selBeforeNewInser>"), UserDialogs::Icon::Information);
         return false;
     }
-    const QString prompt = msg(app, "<createNew1>") + CRLF + CRLF + msg(app, "<createNew2>");
+    const QString prompt = app.msg("<createNew1>") + CRLF + CRLF + app.msg("<createNew2>");
     QString code;
     for (;;) {
         // A leading blank asks to keep the selection's format; plain text has none to keep.
-        code = trimBlanks(ui.inputText(prompt, msg(app, "<newEntry>"), msg(app, "<createNew3>")));
+        code = trimBlanks(ui.inputText(prompt, app.msg("<newEntry>"), app.msg("<createNew3>")));
         if (code.isEmpty())
             return false;
         if (!code.contains(u' '))
             break;
-        ui.message(msg(app, "<spaceForbid>"), UserDialogs::Icon::Warning);
+        ui.message(app.msg("<spaceForbid>"), UserDialogs::Icon::Warning);
     }
     const QString path = insAutoFile(app);
     QList<InsertionEntry> entries = loadInsertions(app);
     const int existing = findInsertion(entries, code);
     if (existing >= 0) {
-        if (ui.question(msg(app, "<codeAlreadyExist>")) != UserDialogs::Answer::Yes)
+        if (ui.question(app.msg("<codeAlreadyExist>")) != UserDialogs::Answer::Yes)
             return false;
         entries[existing].text = selection;
     } else {

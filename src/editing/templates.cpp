@@ -16,11 +16,6 @@ namespace {
 
 const QString kExtension = QStringLiteral(".txt");
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
 QString templatePath(const AppContext &app, const QString &name)
 {
     return QDir(templateFolder(app)).filePath(name + kExtension);
@@ -71,11 +66,11 @@ QString saveTemplate(AppContext &app, const QString &text)
     const QString folder = templateFolder(app);
     QDir().mkpath(folder);
     const QString proposal = uniqueName(QStringLiteral("Template"), QStringLiteral("txt"), folder);
-    const QString name = trimBlanks(app.ui().inputText(msg(app, "<chooseTmplName>"), msg(app, "<saveTmpl>"), proposal));
+    const QString name = trimBlanks(app.ui().inputText(app.msg("<chooseTmplName>"), app.msg("<saveTmpl>"), proposal));
     if (name.isEmpty())
         return {};
     if (nameTaken(folder, name) || !isPlainFileName(name + kExtension)) {
-        app.ui().message(msg(app, "<tmplExist>"), UserDialogs::Icon::Warning);
+        app.ui().message(app.msg("<tmplExist>"), UserDialogs::Icon::Warning);
         return {};
     }
     QString error;
@@ -104,7 +99,7 @@ bool renameTemplate(AppContext &app, const QString &name, const QString &newName
     if (wanted.isEmpty() || wanted == name)
         return false;
     if (nameTaken(templateFolder(app), wanted) || !isPlainFileName(wanted + kExtension)) {
-        app.ui().message(msg(app, "<tmplExist>"), UserDialogs::Icon::Warning);
+        app.ui().message(app.msg("<tmplExist>"), UserDialogs::Icon::Warning);
         return false;
     }
     if (!QFile::rename(templatePath(app, name), templatePath(app, wanted))) {
@@ -117,7 +112,7 @@ bool renameTemplate(AppContext &app, const QString &name, const QString &newName
 bool deleteTemplate(AppContext &app, const QString &name)
 {
     if (!isPlainFileName(name + kExtension)
-        || app.ui().question(msg(app, "<delTmpl>") + CRLF + CRLF + name) != UserDialogs::Answer::Yes)
+        || app.ui().question(app.msg("<delTmpl>") + CRLF + CRLF + name) != UserDialogs::Answer::Yes)
         return false;
     if (!QFile::remove(templatePath(app, name))) {
         app.ui().contextError(QStringLiteral("DeleteTemplate"), templatePath(app, name));

@@ -47,6 +47,8 @@ public:
 
     // Shorthand for lang().text(section, key).
     QString text(const QString &section, const QString &key) const;
+    // The text of a key of section "Msg", where the messages stand.
+    QString msg(const char *key) const;
 
     // "X:0", "T:(<titleDef>)", "M:4/4", "L:1/8", "K:C", each with CR LF.
     QString newTuneText;

@@ -34,11 +34,6 @@ QString quoted(const QString &path)
     return u'"' + path + u'"';
 }
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QLatin1String(key));
-}
-
 void deleteScratch(const QString &cache)
 {
     QDir dir(cache);
@@ -198,11 +193,11 @@ QString GsExporter::run(const QString &source, QString &extension, QString &targ
         for (const auto &row : filterKeys) {
             if (extension == QLatin1String(row[0])) {
                 const QString suffix = extension == u"pdf" ? QStringLiteral(" PDF") : QString();
-                filters << msg(m_app, row[1]) + suffix + QStringLiteral(" (*.") + extension + u')';
+                filters << m_app.msg(row[1]) + suffix + QStringLiteral(" (*.") + extension + u')';
             }
         }
         const QString title = extension.toUpper() + u' '
-            + msg(m_app, scope == ExportScope::File       ? "<exportFileTo>"
+            + m_app.msg(scope == ExportScope::File       ? "<exportFileTo>"
                          : scope == ExportScope::Tune ? "<exportTuneTo>"
                                                       : "<exportAbcTo>");
         const QString folder = exportStartFolder(m_app);
@@ -233,7 +228,7 @@ QString GsExporter::run(const QString &source, QString &extension, QString &targ
         return wait;
     }
 
-    ui.statusMessage(msg(m_app, "<expInProc>") + u' ' + QFileInfo(target).fileName());
+    ui.statusMessage(m_app.msg("<expInProc>") + u' ' + QFileInfo(target).fileName());
     const QString targetExt = target.mid(target.lastIndexOf(u'.') + 1);
     const QString gsExt = extension == u"prn" ? extension : targetExt;
     const QStringList arguments = exportGhostscriptArguments(gsExt, resolution, target, paper, postScript);
@@ -241,9 +236,9 @@ QString GsExporter::run(const QString &source, QString &extension, QString &targ
     if (!RunGhostscript(arguments, &error)) {
         if (error.contains(QLatin1String("gsdll"), Qt::CaseInsensitive)) {
             ui.setBusy(false);
-            ui.message(msg(m_app, "<gsdllErr>"));
+            ui.message(m_app.msg("<gsdllErr>"));
             m_ghostscriptMissing = true;
-            ui.statusMessage(msg(m_app, "<gsDegrad>"));
+            ui.statusMessage(m_app.msg("<gsDegrad>"));
         }
         return kGsFailure;
     }
@@ -260,7 +255,7 @@ void GsExporter::offerViewer(const QString &extension, const QString &target)
     UserDialogs &ui = m_app.ui();
     ui.setBusy(false);
     const QString question
-        = msg(m_app, "<viewFile>") + u' ' + extension.toUpper() + QStringLiteral(" [") + target + QStringLiteral("] ?");
+        = m_app.msg("<viewFile>") + u' ' + extension.toUpper() + QStringLiteral(" [") + target + QStringLiteral("] ?");
     if (ui.question(question) != UserDialogs::Answer::Yes)
         return;
     const bool picture = extension != u"pdf";

@@ -34,11 +34,6 @@ QString quoted(const QString &path)
     return u'"' + path + u'"';
 }
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QLatin1String(key));
-}
-
 QString numberText(double value)
 {
     return QString::number(value, 'g', 10);
@@ -108,11 +103,11 @@ QString MidiExporter::ExportToMidi(const QString &source, QString &target)
         QString name = defaultName(m_app, source);
         if (name.isEmpty())
             name = uniqueName(QStringLiteral("NewMidiFile"), QStringLiteral(".mid"), folder) + QStringLiteral(".mid");
-        const QString title = msg(m_app, scope == ExportScope::File       ? "<exportFileMidi>"
+        const QString title = m_app.msg(scope == ExportScope::File       ? "<exportFileMidi>"
                                          : scope == ExportScope::Tune ? "<exportTuneMidi>"
                                                                       : "<exportAbcMidi>");
         target = ui.saveFileName(title, QDir(folder).filePath(name),
-                                 { msg(m_app, "<midiFile>") + QStringLiteral(" (*.mid)") });
+                                 { m_app.msg("<midiFile>") + QStringLiteral(" (*.mid)") });
         if (target.isEmpty())
             return {};
         rememberExportFolder(m_app, target);
@@ -180,7 +175,7 @@ QString MidiExporter::ExportToMidi(const QString &source, QString &target)
     // Tunes that share an X: number overwrote each other's file: say so.
     m_tunes = int(log.count(QStringLiteral("writing MIDI file")));
     if (m_tunes > m_written.size()) {
-        ui.statusMessage(msg(m_app, "<midiSameX>")
+        ui.statusMessage(m_app.msg("<midiSameX>")
                              .replace(QStringLiteral("%1"), QString::number(m_tunes))
                              .replace(QStringLiteral("%2"), QString::number(m_written.size())));
     }

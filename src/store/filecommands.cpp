@@ -25,11 +25,6 @@ namespace {
 
 const QString kNewFileTag = QStringLiteral("<new>");
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
 void selectNode(AppContext &app, const QString &key)
 {
     emit app.store().nodeSelectionRequested(key);
@@ -82,14 +77,14 @@ bool FichierEnregistrer(AppContext &app, const QString &kFile, int mode)
     QString lineEnd;
     if (mode == 1) {
         const QStringList filters {
-            msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
-            msg(app, "<ABCfileX>") + QStringLiteral(" (*.abc)"),
-            msg(app, "<ABCfileM>") + QStringLiteral(" (*.abc)"),
-            msg(app, "<textFile>") + QStringLiteral(" (*.txt)"),
+            app.msg("<ABCfile>") + QStringLiteral(" (*.abc)"),
+            app.msg("<ABCfileX>") + QStringLiteral(" (*.abc)"),
+            app.msg("<ABCfileM>") + QStringLiteral(" (*.abc)"),
+            app.msg("<textFile>") + QStringLiteral(" (*.txt)"),
         };
         const QString start = (isTrash || path == kNewFileTag) ? newFileStartPath(app) : path;
         int row = 1;
-        const QString chosen = ui.saveFileName(msg(app, "<saveABCas>"), start, filters, &row);
+        const QString chosen = ui.saveFileName(app.msg("<saveABCas>"), start, filters, &row);
         if (chosen.isEmpty())
             return false;
         // Also refuses the file's own path: save as under the same name is no save as.
@@ -143,7 +138,7 @@ bool FichierFermer(AppContext &app, const QString &fileKey)
 
     if (isChanged(file)) {
         const QString question
-            = msg(app, "<fileModified>") + CRLF + CRLF + file->Text + CRLF + CRLF + msg(app, "<saveModif>");
+            = app.msg("<fileModified>") + CRLF + CRLF + file->Text + CRLF + CRLF + app.msg("<saveModif>");
         switch (app.ui().question(question, true)) {
         case UserDialogs::Answer::Cancel:
             return false;
@@ -178,16 +173,16 @@ void mnu_save(AppContext &app, int index)
     const QString kFile = app.selection().fileKey();
     Node *file = kFile.isEmpty() ? nullptr : app.tree().find(kFile);
     if (!file) {
-        app.ui().message(msg(app, "<selectFile>"));
+        app.ui().message(app.msg("<selectFile>"));
         return;
     }
     if (kFile == key::Trash) {
         const Node *body = file->child(1);
         if (!body || body->childCount() == 0) {
-            app.ui().message(msg(app, "<selectFile>"));
+            app.ui().message(app.msg("<selectFile>"));
             return;
         }
-        if (app.ui().question(msg(app, "<trashSelected>")) != UserDialogs::Answer::Yes)
+        if (app.ui().question(app.msg("<trashSelected>")) != UserDialogs::Answer::Yes)
             return;
     }
     if (isReadOnly(file))
@@ -222,7 +217,7 @@ void mnu_saveSelTunes(AppContext &app, int index)
     if (index == 0) {
         const Node *file = app.selection().fileKey().isEmpty() ? nullptr : tree.find(app.selection().fileKey());
         if (!file) {
-            ui.message(msg(app, "<selectFile>"));
+            ui.message(app.msg("<selectFile>"));
             return;
         }
         files.append(file);
@@ -249,13 +244,13 @@ void mnu_saveSelTunes(AppContext &app, int index)
     }
 
     const QStringList filters {
-        msg(app, "<ABCfile>") + QStringLiteral(" (*.abc)"),
-        msg(app, "<textFile>") + QStringLiteral(" (*.txt)"),
+        app.msg("<ABCfile>") + QStringLiteral(" (*.abc)"),
+        app.msg("<textFile>") + QStringLiteral(" (*.txt)"),
     };
     const QString folder = app.ini().get(keys::DirDef);
     const QString start = folder.isEmpty() ? QStringLiteral("Nouveau.abc")
                                            : QDir(folder).filePath(QStringLiteral("Nouveau.abc"));
-    const QString path = ui.saveFileName(msg(app, "<saveABCas>"), start, filters);
+    const QString path = ui.saveFileName(app.msg("<saveABCas>"), start, filters);
     if (path.isEmpty() || IsOpenFile(app, path))
         return;
 
@@ -266,7 +261,7 @@ void mnu_saveSelTunes(AppContext &app, int index)
         ui.contextError(QStringLiteral("mnu_saveSelTunes"), why);
         return;
     }
-    if (ui.question(msg(app, "<askOpen>")) != UserDialogs::Answer::Yes)
+    if (ui.question(app.msg("<askOpen>")) != UserDialogs::Answer::Yes)
         return;
     const QString kFile = app.store().FichierOuvrir(path, false, false, false);
     if (kFile.isEmpty())
@@ -316,7 +311,7 @@ void mnu_Recents(AppContext &app, int index)
         return;
     const QFileInfo info(path);
     if (!info.exists()) {
-        app.ui().message(msg(app, "<fileNotFound>"), UserDialogs::Icon::Information);
+        app.ui().message(app.msg("<fileNotFound>"), UserDialogs::Icon::Information);
         app.recent().remove(index);
         return;
     }

@@ -23,11 +23,6 @@ namespace fenwork {
 
 namespace {
 
-QString msg(const AppContext &app, const char *key)
-{
-    return app.text(QStringLiteral("Msg"), QString::fromLatin1(key));
-}
-
 void setPasteEnabled(AppContext &app, bool enabled)
 {
     app.commands().setEnabled(QStringLiteral("mnu_pasteTune"), enabled);
@@ -74,7 +69,7 @@ void CopierTune(AppContext &app, const QString &kTune, QString &pending)
     }
     app.clipboard().setText(text);
     if (!pending.isEmpty()
-        && app.ui().question(msg(app, "<clipNotSaved>") + CRLF + CRLF + msg(app, "<continue>"))
+        && app.ui().question(app.msg("<clipNotSaved>") + CRLF + CRLF + app.msg("<continue>"))
                != UserDialogs::Answer::Yes)
         return;
     setPasteEnabled(app, true);
@@ -153,11 +148,11 @@ void DelTune(AppContext &app, const QString &kTune, bool confirm, bool toTrash)
     if (confirm) {
         const Node *file = tree.find(kFile);
         const QString rule(80, u'-');
-        const QString question = rule + CRLF + CRLF + QStringLiteral("- ") + msg(app, "<file>").toUpper()
+        const QString question = rule + CRLF + CRLF + QStringLiteral("- ") + app.msg("<file>").toUpper()
                                  + QStringLiteral(" :") + CRLF + u'\t' + (file ? file->Text : QString()) + CRLF
-                                 + CRLF + QStringLiteral("- ") + msg(app, "<tune>").toUpper() + QStringLiteral(" :")
+                                 + CRLF + QStringLiteral("- ") + app.msg("<tune>").toUpper() + QStringLiteral(" :")
                                  + CRLF + u'\t' + tune->Text + CRLF + CRLF + rule + CRLF + CRLF
-                                 + msg(app, toTrash ? "<tuneToTrash>" : "<tuneToErase>");
+                                 + app.msg(toTrash ? "<tuneToTrash>" : "<tuneToErase>");
         if (app.ui().question(question) != UserDialogs::Answer::Yes)
             return;
     }
@@ -188,7 +183,7 @@ QString AddNewTune(AppContext &app, const QString &kFile, bool useTemplate)
             }
             text = kept.join(CRLF);
         } else {
-            app.ui().message(msg(app, "<tmplNotFound>"));
+            app.ui().message(app.msg("<tmplNotFound>"));
         }
     }
     QStringList lines;
@@ -284,7 +279,7 @@ void AddTuneAsPart(AppContext &app, const QString &kSource, const QString &kTarg
     const qsizetype twice = sourceText.indexOf(QStringLiteral("::")) + 1;
     const qsizetype q = qMax(close, twice);
     if (p >= q)
-        app.ui().message(msg(app, "<noCloseRepeat>"));
+        app.ui().message(app.msg("<noCloseRepeat>"));
 }
 
 bool cutTuneNotPasted(AppContext &app)
@@ -327,7 +322,7 @@ void mnu_cutTune(AppContext &app)
 void mnu_pasteTune(AppContext &app)
 {
     if (app.selection().tuneKey().isEmpty()) {
-        app.ui().message(msg(app, "<selectTarget>"));
+        app.ui().message(app.msg("<selectTarget>"));
         return;
     }
     const QString kNew = CollerTuneSur(app, app.selection().tuneKey(), app.store().pendingTune);
@@ -364,13 +359,13 @@ void mnu_impClipboard(AppContext &app)
 {
     const QString kFile = app.selection().fileKey();
     if (kFile.isEmpty()) {
-        app.ui().message(msg(app, "<selectFile>"));
+        app.ui().message(app.msg("<selectFile>"));
         return;
     }
     QString text = app.clipboard().text();
     // The desktop's clipboard speaks LF; lines in memory end in CR LF.
     text = replaceAll(replaceAll(text, u"\r\n", u"\n"), u"\n", u"\r\n");
-    if (!text.contains(QStringLiteral("K:")) && app.ui().question(msg(app, "<clipInval>")) != UserDialogs::Answer::Yes)
+    if (!text.contains(QStringLiteral("K:")) && app.ui().question(app.msg("<clipInval>")) != UserDialogs::Answer::Yes)
         return;
     QString last;
     for (const QString &piece : clipboardTunes(text)) {
@@ -419,7 +414,7 @@ void dropTune(AppContext &app, const QString &draggedKey, const QString &targetK
         pruneChoiceList(app);
         return;
     }
-    if (app.ui().question(msg(app, "<addPart>")) == UserDialogs::Answer::Yes)
+    if (app.ui().question(app.msg("<addPart>")) == UserDialogs::Answer::Yes)
         AddTuneAsPart(app, draggedKey, GetKtune(targetKey), 1);
 }
 
