@@ -42,38 +42,16 @@ private slots:
         QTest::addColumn<QString>("server");
         QTest::addColumn<QString>("contact");
         QTest::addColumn<QString>("expected"); // empty: the row is unavailable
-        QTest::newRow("translate") << "mnu_hlp_item3"
-                                   << ""
-                                   << ""
-                                   << "@lang";
-        QTest::newRow("contact") << "mnu_hlp_item4"
-                                 << ""
-                                 << "tunes@example.org"
-                                 << "mailto:tunes@example.org?subject=Fennelworks%20" + versionText();
-        QTest::newRow("contact unset") << "mnu_hlp_item4"
-                                       << "http://127.0.0.1:9"
-                                       << ""
-                                       << "";
-        QTest::newRow("web site") << "mnu_hlp_item5"
-                                  << "http://127.0.0.1:8123/"
-                                  << ""
-                                  << "http://127.0.0.1:8123/fenwk.php";
-        QTest::newRow("bare host") << "mnu_hlp_item5"
-                                   << "example.org"
-                                   << ""
-                                   << "https://example.org/fenwk.php";
-        QTest::newRow("web site unset") << "mnu_hlp_item5"
-                                        << ""
-                                        << "x@example.org"
-                                        << "";
-        QTest::newRow("version unset") << "mnu_hlp_item6"
-                                       << ""
-                                       << "x@example.org"
-                                       << "";
-        QTest::newRow("context help waits") << "mnu_hlp_item2"
-                                            << ""
-                                            << ""
-                                            << "";
+        // clang-format off
+        QTest::newRow("translate") << "mnu_hlp_item3" << "" << "" << "@lang";
+        QTest::newRow("contact") << "mnu_hlp_item4" << "" << "tunes@example.org" << "mailto:tunes@example.org?subject=Fennelworks%20" + versionText();
+        QTest::newRow("contact unset") << "mnu_hlp_item4" << "http://127.0.0.1:9" << "" << "";
+        QTest::newRow("web site") << "mnu_hlp_item5" << "http://127.0.0.1:8123/" << "" << "http://127.0.0.1:8123/fenwk.php";
+        QTest::newRow("bare host") << "mnu_hlp_item5" << "example.org" << "" << "https://example.org/fenwk.php";
+        QTest::newRow("web site unset") << "mnu_hlp_item5" << "" << "x@example.org" << "";
+        QTest::newRow("version unset") << "mnu_hlp_item6" << "" << "x@example.org" << "";
+        QTest::newRow("context help waits") << "mnu_hlp_item2" << "" << "" << "";
+        // clang-format on
     }
     void rowsReachTheDesktop()
     {

@@ -87,46 +87,18 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("written");
-        QTest::newRow("check box") << "chk_Bak"
-                                   << "1"
-                                   << "FichBak"
-                                   << "1";
-        QTest::newRow("check box off") << "chk_newVersion"
-                                       << "0"
-                                       << "checkNewVersion"
-                                       << "0";
-        QTest::newRow("list row") << "lst_dblClc"
-                                  << "1"
-                                  << "DblClcIdx"
-                                  << "1";
-        QTest::newRow("options padded") << "txt_Cmd2midi"
-                                        << "-o"
-                                        << "cmd2midi"
-                                        << " -o ";
-        QTest::newRow("options trimmed") << "txt_Cmd2ps"
-                                         << "  -s0.8  "
-                                         << "cmd2ps"
-                                         << " -s0.8 ";
-        QTest::newRow("repeats floor") << "txt_nbRepeat"
-                                       << "0"
-                                       << "nbRepeat"
-                                       << "1";
-        QTest::newRow("repeats typed through 1") << "txt_nbRepeat"
-                                                 << "12"
-                                                 << "nbRepeat"
-                                                 << "12";
-        QTest::newRow("trash floor") << "txt_TrashMax"
-                                     << "7"
-                                     << "TrashMax"
-                                     << "50";
-        QTest::newRow("digits only") << "txt_tempoDef"
-                                     << "1a2b0"
-                                     << "tempoDef"
-                                     << "120";
-        QTest::newRow("programmable key") << "txt_editProgr2"
-                                          << "|:"
-                                          << "ToucheProgr2"
-                                          << "|:";
+        // clang-format off
+        QTest::newRow("check box") << "chk_Bak" << "1" << "FichBak" << "1";
+        QTest::newRow("check box off") << "chk_newVersion" << "0" << "checkNewVersion" << "0";
+        QTest::newRow("list row") << "lst_dblClc" << "1" << "DblClcIdx" << "1";
+        QTest::newRow("options padded") << "txt_Cmd2midi" << "-o" << "cmd2midi" << " -o ";
+        QTest::newRow("options trimmed") << "txt_Cmd2ps" << "  -s0.8  " << "cmd2ps" << " -s0.8 ";
+        QTest::newRow("repeats floor") << "txt_nbRepeat" << "0" << "nbRepeat" << "1";
+        QTest::newRow("repeats typed through 1") << "txt_nbRepeat" << "12" << "nbRepeat" << "12";
+        QTest::newRow("trash floor") << "txt_TrashMax" << "7" << "TrashMax" << "50";
+        QTest::newRow("digits only") << "txt_tempoDef" << "1a2b0" << "tempoDef" << "120";
+        QTest::newRow("programmable key") << "txt_editProgr2" << "|:" << "ToucheProgr2" << "|:";
+        // clang-format on
     }
     void controlWritesKey()
     {
