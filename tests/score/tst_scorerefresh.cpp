@@ -220,15 +220,7 @@ private slots:
 
     // The kept interpreter draws every page as a new interpreter for each tune would, whatever
     // the tunes before it defined; pages are numbered from 1 each time.
-    void keptInterpreterSamePages_data()
-    {
-        QTest::addColumn<QString>("file");
-        const QString corpus = corpusDir();
-        if (corpus.isEmpty())
-            QSKIP("the shared corpus is absent");
-        for (const char *name : { "nottingham/slip.abc", "abcm2ps/sample.abc" })
-            QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
-    }
+    void keptInterpreterSamePages_data() { corpusRows({ "nottingham/slip.abc", "abcm2ps/sample.abc" }); }
 
     void keptInterpreterSamePages()
     {
@@ -237,9 +229,9 @@ private slots:
             QSKIP("the shared corpus is not here");
         SKIP_WITHOUT_SCORE_TOOLS();
         ScoreWorld world;
-        const QString kFile = world.env.app().store().FichierOuvrir(file, false, true, true);
-        const Node *body = world.env.app().tree().find(kFile + key::BdyFile);
-        QVERIFY(body && body->childCount() > 0);
+        QString kFile;
+        const Node *body = openTunes(world, file, &kFile);
+        QVERIFY(body);
         ScoreRefresher kept(world.env.app());
         ScoreRefresher fresh(world.env.app());
         fresh.setKeepInterpreter(false);
@@ -271,12 +263,7 @@ private slots:
 
     void corpusTunes_data()
     {
-        QTest::addColumn<QString>("file");
-        const QString corpus = corpusDir();
-        if (corpus.isEmpty())
-            QSKIP("the shared corpus is absent");
-        for (const char *name : { "tuneworks/abc2_1601_boys-of-bluehill.abc", "nottingham/reelsa-c.abc" })
-            QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
+        corpusRows({ "tuneworks/abc2_1601_boys-of-bluehill.abc", "nottingham/reelsa-c.abc" });
     }
 
     void corpusTunes()
@@ -286,9 +273,9 @@ private slots:
             QSKIP("the shared corpus is not here");
         SKIP_WITHOUT_SCORE_TOOLS();
         ScoreWorld world;
-        const QString kFile = world.env.app().store().FichierOuvrir(file, false, true, true);
-        const Node *body = world.env.app().tree().find(kFile + key::BdyFile);
-        QVERIFY(body && body->childCount() > 0);
+        QString kFile;
+        const Node *body = openTunes(world, file, &kFile);
+        QVERIFY(body);
         ScoreSource source;
         source.fileKey = kFile;
         source.tuneKey = body->child(0)->Key;
@@ -298,6 +285,24 @@ private slots:
         const ScoreOutcome outcome = refresher.PartitionRefresh(source, kScoreTarget, 110, page, false);
         QCOMPARE(int(outcome.picture), int(ScoreOutcome::Picture::Page));
         QCOMPARE(outcome.attempts, 1);
+    }
+private:
+    // One row a corpus file, read where it lies (opened read-only: nothing is written beside it).
+    static void corpusRows(std::initializer_list<const char *> names)
+    {
+        QTest::addColumn<QString>("file");
+        const QString corpus = corpusDir();
+        if (corpus.isEmpty())
+            QSKIP("the shared corpus is absent");
+        for (const char *name : names)
+            QTest::newRow(name) << corpus + u'/' + QString::fromLatin1(name);
+    }
+    // The body node of the file's tunes, when it has any.
+    static const Node *openTunes(ScoreWorld &world, const QString &file, QString *kFile)
+    {
+        *kFile = world.env.app().store().FichierOuvrir(file, false, true, true);
+        const Node *body = world.env.app().tree().find(*kFile + key::BdyFile);
+        return body && body->childCount() > 0 ? body : nullptr;
     }
 };
 
